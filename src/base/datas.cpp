@@ -1,0 +1,149 @@
+#include "base/datas.h"
+
+#include <chrono>
+#include <cstdio>
+#include <vector>
+
+#include "base/erro.h"
+
+namespace lumavox {
+
+namespace {
+
+using namespace std::chrono;
+
+constexpr sys_days kDiaZero = sys_days{year{1899} / December / 30};
+
+int64_t DivPiso(int64_t a, int64_t b) { return a / b - ((a % b != 0) && ((a < 0) != (b < 0))); }
+
+// Splits a text into runs of digits and the single separators between them.
+struct Pedacos {
+  std::vector<std::u16string_view> numeros;
+  std::u16string separadores;
+};
+
+bool Separar(std::u16string_view t, Pedacos& p) {
+  size_t i = 0;
+  while (i < t.size()) {
+    size_t j = i;
+    while (j < t.size() && t[j] >= u'0' && t[j] <= u'9') ++j;
+    if (j == i || j - i > 4) return false;
+    p.numeros.push_back(t.substr(i, j - i));
+    if (j == t.size()) break;
+    p.separadores.push_back(t[j]);
+    i = j + 1;
+    if (i == t.size()) return false;  // text ends in a separator
+  }
+  return !p.numeros.empty();
+}
+
+int Inteiro(std::u16string_view d) {
+  int v = 0;
+  for (char16_t c : d) v = v * 10 + (c - u'0');
+  return v;
+}
+
+bool DataValida(int a, int m, int d) {
+  if (a < 100 || a > 9999) return false;
+  return year_month_day{year{a} / month{static_cast<unsigned>(m)} / day{static_cast<unsigned>(d)}}.ok();
+}
+
+std::optional<int64_t> ParteData(std::u16string_view t) {
+  Pedacos p;
+  if (!Separar(t, p) || p.numeros.size() != 3) return std::nullopt;
+  int a, m, d;
+  if (p.separadores == u"--" && p.numeros[0].size() == 4) {
+    a = Inteiro(p.numeros[0]);
+    m = Inteiro(p.numeros[1]);
+    d = Inteiro(p.numeros[2]);
+  } else if (p.separadores == u"//" && p.numeros[2].size() != 3) {
+    d = Inteiro(p.numeros[0]);
+    m = Inteiro(p.numeros[1]);
+    a = Inteiro(p.numeros[2]);
+    if (p.numeros[2].size() <= 2) a += a < 30 ? 2000 : 1900;
+  } else {
+    return std::nullopt;
+  }
+  if (p.numeros[0].size() > 4 || !DataValida(a, m, d)) return std::nullopt;
+  auto dias = (sys_days{year{a} / month{static_cast<unsigned>(m)} / day{static_cast<unsigned>(d)}} - kDiaZero).count();
+  return static_cast<int64_t>(dias) * kSegundosPorDia;
+}
+
+std::optional<int64_t> ParteHora(std::u16string_view t) {
+  Pedacos p;
+  if (!Separar(t, p) || p.numeros.size() < 2 || p.numeros.size() > 3) return std::nullopt;
+  for (char16_t s : p.separadores)
+    if (s != u':') return std::nullopt;
+  for (auto n : p.numeros)
+    if (n.size() > 2) return std::nullopt;
+  int h = Inteiro(p.numeros[0]), m = Inteiro(p.numeros[1]);
+  int s = p.numeros.size() == 3 ? Inteiro(p.numeros[2]) : 0;
+  if (h > 23 || m > 59 || s > 59) return std::nullopt;
+  return h * 3600 + m * 60 + s;
+}
+
+}  // namespace
+
+DataHora MontarDataHora(int ano, int mes, int dia, int hora, int minuto, int segundo) {
+  auto dias = (sys_days{year{ano} / month{static_cast<unsigned>(mes)} / day{static_cast<unsigned>(dia)}} - kDiaZero).count();
+  return {static_cast<int64_t>(dias) * kSegundosPorDia + hora * 3600 + minuto * 60 + segundo};
+}
+
+PartesData Decompor(DataHora d) {
+  int64_t dias = DivPiso(d.segundos, kSegundosPorDia);
+  int64_t resto = d.segundos - dias * kSegundosPorDia;
+  year_month_day ymd{kDiaZero + days{dias}};
+  PartesData p;
+  p.ano = static_cast<int>(ymd.year());
+  p.mes = static_cast<int>(static_cast<unsigned>(ymd.month()));
+  p.dia = static_cast<int>(static_cast<unsigned>(ymd.day()));
+  p.hora = static_cast<int>(resto / 3600);
+  p.minuto = static_cast<int>(resto / 60 % 60);
+  p.segundo = static_cast<int>(resto % 60);
+  return p;
+}
+
+std::optional<DataHora> ConverterDataHora(std::u16string_view t) {
+  while (!t.empty() && (t.front() == u' ' || t.front() == u'\t')) t.remove_prefix(1);
+  while (!t.empty() && (t.back() == u' ' || t.back() == u'\t')) t.remove_suffix(1);
+  if (t.empty()) return std::nullopt;
+
+  size_t corte = t.find_first_of(u" T");
+  if (corte == std::u16string_view::npos) {
+    if (auto hora = ParteHora(t)) return DataHora{*hora};
+    if (auto data = ParteData(t)) return DataHora{*data};
+    return std::nullopt;
+  }
+  std::u16string_view resto = t.substr(corte + 1);
+  while (!resto.empty() && resto.front() == u' ') resto.remove_prefix(1);
+  auto data = ParteData(t.substr(0, corte));
+  auto hora = ParteHora(resto);
+  if (!data || !hora) return std::nullopt;
+  return DataHora{*data + *hora};
+}
+
+DataHora TextoParaDataHora(std::u16string_view texto) {
+  auto d = ConverterDataHora(texto);
+  if (!d)
+    throw ErroExecucao(CodigoErro::TiposIncompativeis,
+                       "Type mismatch: \"" + ParaUtf8(texto) + "\" não é data/hora");
+  return *d;
+}
+
+int64_t SegundosDoDia(DataHora d) {
+  return d.segundos - DivPiso(d.segundos, kSegundosPorDia) * kSegundosPorDia;
+}
+
+int64_t DiferencaMinutos(DataHora de, DataHora ate) {
+  return DivPiso(ate.segundos, 60) - DivPiso(de.segundos, 60);
+}
+
+std::string FormatarIso(DataHora d) {
+  PartesData p = Decompor(d);
+  char buffer[40];
+  std::snprintf(buffer, sizeof buffer, "%04d-%02d-%02d %02d:%02d:%02d", p.ano, p.mes, p.dia, p.hora,
+                p.minuto, p.segundo);
+  return buffer;
+}
+
+}  // namespace lumavox

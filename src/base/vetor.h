@@ -1,0 +1,87 @@
+// Fixed-size arrays with declared bounds. Going past a bound raises error 9 instead of
+// resizing or corrupting memory: the engine's arrays never grow.
+#pragma once
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "base/erro.h"
+
+namespace lumavox {
+
+[[noreturn]] void ErroIndice(long indice, long inicio, long fim);
+
+// Indexes run from Inicio to Fim inclusive, like the station's arrays (e.g. -4000..4000).
+template <typename T, long Inicio, long Fim>
+class Vetor {
+ public:
+  static constexpr long kInicio = Inicio;
+  static constexpr long kFim = Fim;
+  static constexpr long kTamanho = Fim - Inicio + 1;
+
+  Vetor() : dados_(kTamanho) {}
+
+  T& operator[](long i) { return dados_[Posicao(i)]; }
+  const T& operator[](long i) const { return dados_[Posicao(i)]; }
+
+  // Unchecked access for hot loops whose bounds were checked once by the caller.
+  T& SemVerificar(long i) { return dados_[static_cast<size_t>(i - Inicio)]; }
+  const T& SemVerificar(long i) const { return dados_[static_cast<size_t>(i - Inicio)]; }
+
+  void Preencher(const T& valor) { std::fill(dados_.begin(), dados_.end(), valor); }
+
+ private:
+  static size_t Posicao(long i) {
+    if (i < Inicio || i > Fim) ErroIndice(i, Inicio, Fim);
+    return static_cast<size_t>(i - Inicio);
+  }
+  std::vector<T> dados_;  // heap-held so large arrays do not weigh on the stack
+};
+
+// Two-dimensional array, both indexes from 0.
+template <typename T, long Linhas, long Colunas>
+class Matriz {
+ public:
+  Matriz() : dados_(static_cast<size_t>(Linhas * Colunas)) {}
+
+  T& operator()(long l, long c) { return dados_[Posicao(l, c)]; }
+  const T& operator()(long l, long c) const { return dados_[Posicao(l, c)]; }
+
+  void Preencher(const T& valor) { std::fill(dados_.begin(), dados_.end(), valor); }
+
+ private:
+  static size_t Posicao(long l, long c) {
+    if (l < 0 || l >= Linhas) ErroIndice(l, 0, Linhas - 1);
+    if (c < 0 || c >= Colunas) ErroIndice(c, 0, Colunas - 1);
+    return static_cast<size_t>(l * Colunas + c);
+  }
+  std::vector<T> dados_;
+};
+
+}  // namespace lumavox
+
+namespace lumavox {
+
+// Three-dimensional array, all indexes from 0.
+template <typename T, long A, long B, long C>
+class Cubo {
+ public:
+  Cubo() : dados_(static_cast<size_t>(A * B * C)) {}
+
+  T& operator()(long a, long b, long c) { return dados_[Posicao(a, b, c)]; }
+  const T& operator()(long a, long b, long c) const { return dados_[Posicao(a, b, c)]; }
+
+  void Preencher(const T& valor) { std::fill(dados_.begin(), dados_.end(), valor); }
+
+ private:
+  static size_t Posicao(long a, long b, long c) {
+    if (a < 0 || a >= A) ErroIndice(a, 0, A - 1);
+    if (b < 0 || b >= B) ErroIndice(b, 0, B - 1);
+    if (c < 0 || c >= C) ErroIndice(c, 0, C - 1);
+    return static_cast<size_t>((a * B + b) * C + c);
+  }
+  std::vector<T> dados_;
+};
+
+}  // namespace lumavox

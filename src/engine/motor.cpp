@@ -1,0 +1,109 @@
+#include "engine/motor.h"
+
+#include <cstdint>
+#include <string>
+
+#include "base/arquivos.h"
+#include "base/erro.h"
+#include "stores/debug.h"
+
+namespace lumavox {
+
+Motor::Motor(fs::path caminhoApp, Ambiente& ambiente)
+    : caminhoApp_(std::move(caminhoApp)), ambiente_(ambiente) {}
+
+bool Motor::DetectarModoDebug() {
+  estado_.ModoDebug = ArquivoExiste(caminhoApp_ / "debug.red");
+  return estado_.ModoDebug;
+}
+
+void Motor::CarregarInicio() {
+  ultimoErro_.reset();
+  auto registrar = [this](const char* etapa, const std::exception& e) {
+    ultimoErro_ = std::string(etapa) + ": " + e.what();
+  };
+  estado_.DataInicio = ambiente_.Agora();
+  estado_.playlists.PlaylistAtual = -1;
+  AbrirPlaylists();
+  if (estado_.ModoDebug) {
+    try {
+      EscreverDebug(u"Abriu Playlists");
+    } catch (const std::exception& e) {
+      registrar("EscreverDebug", e);
+    }
+  }
+  try {
+    VerificarPlaylist(0);
+  } catch (const std::exception& e) {
+    registrar("VerificarPlaylist", e);
+  }
+}
+
+void Motor::Iniciar() {
+  DetectarModoDebug();
+  CarregarInicio();
+}
+
+void Motor::EscreverDebug(std::u16string_view texto) { lumavox::EscreverDebug(caminhoApp_, texto); }
+
+void Motor::AbrirPlaylists() { lumavox::AbrirPlaylists(estado_.playlists, caminhoApp_); }
+
+void Motor::DefinirAcervo(int32_t CodAcervo, int16_t CarregarLogs) {
+  (void)CodAcervo;  // carried along by its callers, never read
+  Acervo& acervo = estado_.acervo;
+  acervo.CaminhoApp = caminhoApp_;
+  acervo.PastaDados = estado_.playlists.Playlists[estado_.playlists.PlaylistAtual];
+  if (painel_) painel_->MostrarPlaylist(acervo.PastaDados);
+
+  if (estado_.ModoDebug) EscreverDebug(u"Preparando a carregar tags");
+  CarregarColecao(acervo, acervo.PastaDados, [this](long slot) {
+    // One line per line read, on purpose: the trace shows the exact line a load stopped at.
+    if (estado_.ModoDebug) EscreverDebug(u"Musica: " + DeUtf8(std::to_string(slot)));
+  });
+
+  EscreverLinha(caminhoApp_ / "nreg.rer", DeUtf8(std::to_string(acervo.TotalMusicas)));
+
+  for (int n = 0; n <= 2; ++n)
+    CarregarArquivoRegras(estado_.catalogo, n,
+                          acervo.PastaDados / ("lxie" + std::to_string(n) + ".rdb"));
+
+  estado_.agenda.Limpar();
+
+  // Zero means "load the history"; the inverted reading is how every caller uses it.
+  if (CarregarLogs == 0) CarregarMusicasTocadas();
+}
+
+void Motor::CarregarMusicasTocadas() {
+  if (historico_) historico_->CarregarMusicasTocadas(estado_);
+}
+
+void Motor::VerificarPlaylist(int16_t CarregarLogs) {
+  TabelaPlaylists& t = estado_.playlists;
+  int16_t& contagem = estado_.ContagemRecarga;
+  // Held at the bottom instead of overflowing: a station whose files stay broken for hours
+  // must still reload them on every check once they are mended.
+  if (contagem > INT16_MIN) --contagem;
+  if (t.TotalPlaylists >= 2) {
+    const int32_t escolhida = PlaylistDoHorario(t, ambiente_.Agora());
+    if (escolhida != t.PlaylistAtual) {
+      t.PlaylistAtual = escolhida;
+      DefinirAcervo(t.PlaylistAtual, CarregarLogs);
+      contagem = 5;
+    } else if (contagem < 0) {
+      DefinirAcervo(t.PlaylistAtual, CarregarLogs);
+      contagem = 5;
+    }
+  } else if (t.PlaylistAtual == -1) {
+    t.PlaylistAtual = 0;
+    DefinirAcervo(t.PlaylistAtual, CarregarLogs);
+    contagem = 5;
+  } else if (contagem < 0) {
+    DefinirAcervo(t.PlaylistAtual, CarregarLogs);
+    contagem = 5;
+    t.PlaylistAtual = 0;
+  } else {
+    t.PlaylistAtual = 0;
+  }
+}
+
+}  // namespace lumavox

@@ -1,0 +1,70 @@
+// The engine object: owns the state, loads the playlist in force (collection, rule sets,
+// history) and, in later steps, runs the selections. Raised errors of a load reach the caller
+// of DefinirAcervo/VerificarPlaylist; Iniciar absorbs them as the start-up does.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "base/ambiente.h"
+#include "engine/estado.h"
+
+namespace lumavox {
+
+namespace fs = std::filesystem;
+
+// Where the played-song history comes from (the station's log database).
+class OrigemHistorico {
+ public:
+  virtual ~OrigemHistorico() = default;
+  virtual void CarregarMusicasTocadas(Estado& estado) = 0;
+};
+
+// What the engine tells whoever shows it (the window, or nobody).
+class Painel {
+ public:
+  virtual ~Painel() = default;
+  virtual void MostrarPlaylist(const fs::path& /*pastaDados*/) {}
+};
+
+class Motor {
+ public:
+  Motor(fs::path caminhoApp, Ambiente& ambiente);
+
+  Estado& E() { return estado_; }
+  const Estado& E() const { return estado_; }
+  Ambiente& Amb() { return ambiente_; }
+  const fs::path& CaminhoApp() const { return caminhoApp_; }
+
+  void DefinirOrigemHistorico(std::unique_ptr<OrigemHistorico> origem) { historico_ = std::move(origem); }
+  void DefinirPainel(Painel* painel) { painel_ = painel; }
+
+  // Debug mode: on when "debug.red" exists in the application folder.
+  bool DetectarModoDebug();
+  // The rest of the start-up: start time, playlist table ("Abriu Playlists" in debug mode) and
+  // the first check of the playlist in force. Errors are absorbed and kept in UltimoErro.
+  void CarregarInicio();
+  // Both, in that order.
+  void Iniciar();
+
+  void DefinirAcervo(int32_t CodAcervo, int16_t CarregarLogs = 0);
+  void AbrirPlaylists();
+  void VerificarPlaylist(int16_t CarregarLogs);
+  void EscreverDebug(std::u16string_view texto);
+  void CarregarMusicasTocadas();
+
+  // Cause of the last error the start-up absorbed, if any.
+  const std::optional<std::string>& UltimoErro() const { return ultimoErro_; }
+
+ private:
+  fs::path caminhoApp_;
+  Ambiente& ambiente_;
+  Estado estado_;
+  std::unique_ptr<OrigemHistorico> historico_;
+  Painel* painel_ = nullptr;
+  std::optional<std::string> ultimoErro_;
+};
+
+}  // namespace lumavox

@@ -1,0 +1,56 @@
+#include "stores/acervo.h"
+
+#include "base/arquivos.h"
+#include "base/numeros.h"
+#include "rules/ritmo.h"
+#include "stores/codec.h"
+
+namespace lumavox {
+
+const std::array<std::u16string_view, kCampos> kNomesCampos{
+    u"Artista",   u"Album",         u"Title",      u"",          u"Faixa",        u"Genero",
+    u"Compositor", u"Bpm",          u"Nota",       u"Nacionalidade", u"Tipo",     u"Status",
+    u"Ativo",     u"Duplicidade",   u"Bitrate",    u"Frequency", u"Original",     u"DuracaoSec",
+    u"Velocidade", u"Voz",          u"Segmento",   u"Sexo",      u"Classe",       u"Faixa Etária",
+    u"Ritmo",     u"DurInicio",     u"DurFim",     u"GeneroSub", u"Estilo",       u"Lingua",
+    u"Decada",    u"Publico",       u"Vibe"};
+
+double CalcularVibe(const Acervo& acervo, long slot) {
+  return (ValorRitmo(acervo.AcervoTags(slot, kCampoVelocidade)) +
+          ValorRitmo(acervo.AcervoTags(slot, kCampoRitmo))) /
+         2;
+}
+
+std::string NomeArquivoMusica(int32_t codigo) { return FormatarZeros(codigo, 7) + ".mre"; }
+
+void CarregarColecao(Acervo& acervo, const fs::path& pasta,
+                     const std::function<void(long slot)>& aposLinha) {
+  const std::vector<Texto> linhas = LerLinhas(pasta / "lxdb.rdb");
+  const fs::path pastaMre = acervo.CaminhoApp / "mre";
+  long s = 0;
+  int k = 0;
+  for (const Texto& linha : linhas) {
+    Texto texto = DecodificarLinha(linha);
+    if (k == 0) {
+      int32_t codigo = TextoParaInteiro32(texto);
+      acervo.AcervoCodigos[s] = codigo;
+    } else {
+      acervo.AcervoTags(s, k - 1) = std::move(texto);
+    }
+    if (++k > 32) {
+      double vibe = CalcularVibe(acervo, s);
+      acervo.AcervoVibe[s] = vibe;
+      acervo.AcervoTags(s, kCampoVibe) = FormatarNumero(vibe);
+      k = 0;
+      const std::string nome = NomeArquivoMusica(acervo.AcervoCodigos[s]);
+      acervo.AcervoArquivos[s] = pastaMre / nome;
+      // Only an existing file of exactly that name keeps the song; otherwise the next
+      // record takes its slot.
+      if (ArquivoExiste(acervo.AcervoArquivos[s])) ++s;
+    }
+    if (aposLinha) aposLinha(s);
+  }
+  acervo.TotalMusicas = static_cast<int16_t>(s);
+}
+
+}  // namespace lumavox

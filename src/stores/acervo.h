@@ -1,0 +1,52 @@
+// The song collection of the playlist in force: codes, 33 tag fields and media paths per
+// slot 0..4000. Slots at or past TotalMusicas keep what an earlier load left there, so every
+// reader bounds its loops by TotalMusicas.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <string_view>
+
+#include "base/texto.h"
+#include "base/vetor.h"
+
+namespace lumavox {
+
+namespace fs = std::filesystem;
+
+constexpr long kUltimoSlot = 4000;
+constexpr long kTotalSlots = 4001;
+constexpr long kCampos = 33;       // fields 0..31 from the file, 32 computed ("Vibe")
+constexpr long kCampoVibe = 32;
+constexpr long kCampoVelocidade = 18;
+constexpr long kCampoRitmo = 24;
+
+// Field names in file order; field 3 has none (no filter can name it).
+extern const std::array<std::u16string_view, kCampos> kNomesCampos;
+
+struct Acervo {
+  Vetor<int32_t, 0, kUltimoSlot> AcervoCodigos;
+  // Fields 0..31 as read; field 32 holds the vibe as text ("5,5"), its number in AcervoVibe.
+  Matriz<Texto, kTotalSlots, kCampos> AcervoTags;
+  Vetor<double, 0, kUltimoSlot> AcervoVibe;
+  Vetor<fs::path, 0, kUltimoSlot> AcervoArquivos;
+  int16_t TotalMusicas = 0;
+  fs::path CaminhoApp;
+  fs::path PastaDados;
+};
+
+double CalcularVibe(const Acervo& acervo, long slot);
+
+// Name of a song's media file: the code with at least seven digits and ".mre".
+std::string NomeArquivoMusica(int32_t codigo);
+
+// Reads `pasta`/lxdb.rdb into the collection, dropping songs whose .mre file is missing,
+// and sets TotalMusicas at the end. `aposLinha` runs after every line read with the slot
+// counter (the debug trace). Raises on a missing file, an undecodable line, a non-numeric
+// code or a 4002nd song; TotalMusicas then keeps its previous value.
+void CarregarColecao(Acervo& acervo, const fs::path& pasta,
+                     const std::function<void(long slot)>& aposLinha);
+
+}  // namespace lumavox

@@ -1,0 +1,50 @@
+#include "stores/playlists.h"
+
+#include "base/arquivos.h"
+#include "base/erro.h"
+
+namespace lumavox {
+
+void AbrirPlaylists(TabelaPlaylists& tabela, const fs::path& caminhoApp) {
+  tabela.TotalPlaylists = 0;
+  tabela.Playlists[0] = caminhoApp;
+  tabela.TotalPlaylists = 1;
+
+  std::vector<Texto> linhas;
+  try {
+    linhas = LerLinhas(caminhoApp / "pl.rdb");
+  } catch (const ErroExecucao&) {
+    return;
+  }
+  try {
+    for (const Texto& linha : linhas) {
+      if (linha.size() <= 18) continue;
+      std::u16string_view l(linha);
+      auto inicio = ConverterDataHora(l.substr(0, 8));
+      auto fim = ConverterDataHora(l.substr(9, 8));
+      std::u16string_view nome = l.substr(18);
+      if (!inicio || !fim || nome.empty()) continue;
+      const long i = tabela.TotalPlaylists;
+      // Joined as text: the name is always read relative to the application folder.
+      tabela.Playlists[i] = fs::path(caminhoApp.native() + fs::path::preferred_separator +
+                                     CaminhoDeTexto(nome).native());
+      tabela.PlaylistInicio[i] = *inicio;
+      tabela.PlaylistFim[i] = *fim;
+      ++tabela.TotalPlaylists;
+    }
+  } catch (const ErroExecucao&) {
+    // A 31st playlist: the entries read so far stay.
+  }
+}
+
+int32_t PlaylistDoHorario(const TabelaPlaylists& tabela, DataHora agora) {
+  // The stored start and end are compared as they are: a start that also carries a date lies
+  // far past any time of day and never matches.
+  const DataHora hora = SoHora(agora);
+  int32_t escolhida = 0;
+  for (long i = 1; i < tabela.TotalPlaylists; ++i)
+    if (hora >= tabela.PlaylistInicio[i] && hora <= tabela.PlaylistFim[i]) escolhida = static_cast<int32_t>(i);
+  return escolhida;
+}
+
+}  // namespace lumavox
