@@ -3,7 +3,6 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
-#include <iterator>
 
 #include "base/erro.h"
 
@@ -25,7 +24,10 @@ std::string LerBytes(const fs::path& caminho) {
   errno = 0;
   std::ifstream entrada(caminho, std::ios::binary);
   if (!entrada) ErroArquivo(caminho, "File not found:");
-  std::string bytes((std::istreambuf_iterator<char>(entrada)), std::istreambuf_iterator<char>());
+  std::string bytes;
+  char bloco[65536];
+  while (entrada.read(bloco, sizeof bloco) || entrada.gcount() > 0)
+    bytes.append(bloco, static_cast<size_t>(entrada.gcount()));
   if (entrada.bad()) ErroArquivo(caminho, "Erro ao ler");
   return bytes;
 }

@@ -1,6 +1,7 @@
 #include "base/numeros.h"
 
-#include <cfenv>
+#include <charconv>
+#include <cstdint>
 #include <cmath>
 #include <cstdio>
 #include <limits>
@@ -26,24 +27,39 @@ std::optional<double> ConverterNumero(std::u16string_view t) {
     negativo = t[i] == u'-';
     ++i;
   }
-  // Built as ASCII and handed to strtod so the value is correctly rounded.
-  std::string ascii;
+  // Built as ASCII on the stack and parsed by from_chars, which rounds correctly and ignores
+  // the process locale. Plain digit runs, by far the most common, are summed directly.
+  char ascii[64];
+  size_t n = 0;
   int digitos = 0;
   bool decimal = false;
+  uint64_t inteiro = 0;
   for (; i < fim; ++i) {
     char16_t c = t[i];
     if (c >= u'0' && c <= u'9') {
-      ascii.push_back(static_cast<char>(c));
+      if (n < sizeof ascii) ascii[n] = static_cast<char>(c);
+      ++n;
       ++digitos;
+      inteiro = inteiro * 10 + static_cast<uint64_t>(c - u'0');
     } else if ((c == u',' || c == u'.') && !decimal) {
-      ascii.push_back('.');
+      if (n < sizeof ascii) ascii[n] = '.';
+      ++n;
       decimal = true;
     } else {
       return std::nullopt;
     }
   }
   if (digitos == 0) return std::nullopt;
-  double valor = std::strtod(ascii.c_str(), nullptr);
+  double valor;
+  if (!decimal && digitos <= 15) {
+    valor = static_cast<double>(inteiro);
+  } else if (n <= sizeof ascii) {
+    std::from_chars(ascii, ascii + n, valor);
+  } else {
+    std::string longo;
+    for (size_t j = fim - n; j < fim; ++j) longo.push_back(t[j] == u',' ? '.' : static_cast<char>(t[j]));
+    std::from_chars(longo.data(), longo.data() + longo.size(), valor);
+  }
   return negativo ? -valor : valor;
 }
 

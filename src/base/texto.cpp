@@ -66,6 +66,10 @@ Texto DeWindows1252(std::string_view bytes) {
 }  // namespace
 
 Texto DecodificarBytes(std::string_view bytes) {
+  // Encoded station files are pure ASCII: widen them without a converter.
+  bool ascii = true;
+  for (char c : bytes) ascii &= static_cast<unsigned char>(c) < 0x80;
+  if (ascii) return Texto(bytes.begin(), bytes.end());
   return Utf8Valido(bytes) ? DeUtf8(bytes) : DeWindows1252(bytes);
 }
 

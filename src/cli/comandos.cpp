@@ -1,6 +1,13 @@
 #include "cli/comandos.h"
 
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <cstdlib>
 #include <iostream>
+#include <system_error>
+
+#include "cli/subcomandos.h"
 
 namespace lumavox::cli {
 
@@ -8,8 +15,36 @@ int Executar(int argc, char** argv) {
   return Executar(std::vector<std::string>(argv + 1, argv + argc), std::cout, std::cerr);
 }
 
-int Executar(std::vector<std::string>, std::ostream&, std::ostream&) { return 0; }
+int Executar(std::vector<std::string> argumentos, std::ostream& saida, std::ostream& erros) {
+  CLI::App app{"lumavox-cli: o motor de seleção de músicas sem janela"};
+  app.require_subcommand(1);
+  Contexto ctx{saida, erros};
+  RegistrarRdb(app, ctx);
+  RegistrarAcervo(app, ctx);
+  RegistrarDemo(app, ctx);
 
-fs::path ResolverPastaApp(const std::string& opcaoDir) { return opcaoDir; }
+  // CLI11 reads the arguments from the back.
+  std::reverse(argumentos.begin(), argumentos.end());
+  try {
+    app.parse(argumentos);
+  } catch (const CLI::ParseError& e) {
+    if (e.get_exit_code() == 0) return app.exit(e, saida, erros);  // --help
+    erros << "lumavox-cli: " << e.what() << "\n";
+    return 2;
+  }
+  return ctx.codigoSaida;
+}
+
+fs::path PastaDoExecutavel() {
+  std::error_code ec;
+  fs::path exe = fs::read_symlink("/proc/self/exe", ec);
+  return ec ? fs::current_path(ec) : exe.parent_path();
+}
+
+fs::path ResolverPastaApp(const std::string& opcaoDir) {
+  if (!opcaoDir.empty()) return opcaoDir;
+  if (const char* env = std::getenv("LUMAVOX_DIR"); env && *env) return env;
+  return PastaDoExecutavel();
+}
 
 }  // namespace lumavox::cli

@@ -16,11 +16,9 @@ const RegrasVariavel& RegrasCatalogo::Var(int n) const {
 }
 
 void CarregarArquivoRegras(Catalogo& catalogo, int conjunto, const fs::path& arquivo) {
-  const std::vector<Texto> linhas = LerLinhas(arquivo);
   long r = 0;
   int k = 0;
-  for (const Texto& linha : linhas) {
-    Texto texto = DecodificarLinha(linha);
+  ParaCadaLinhaCodificada(arquivo, [&](Texto&& texto) {
     RegrasCatalogo& regra = catalogo.CatalogoRegras(conjunto, r);
     switch (k) {
       case 0: regra.Ativo = Maiusculas(texto) == u"A"; break;
@@ -33,7 +31,7 @@ void CarregarArquivoRegras(Catalogo& catalogo, int conjunto, const fs::path& arq
       k = 0;
       ++r;
     }
-  }
+  });
   catalogo.QuantidadeRegras[static_cast<size_t>(conjunto)] = static_cast<int16_t>(r);
 }
 

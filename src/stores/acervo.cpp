@@ -25,12 +25,10 @@ std::string NomeArquivoMusica(int32_t codigo) { return FormatarZeros(codigo, 7) 
 
 void CarregarColecao(Acervo& acervo, const fs::path& pasta,
                      const std::function<void(long slot)>& aposLinha) {
-  const std::vector<Texto> linhas = LerLinhas(pasta / "lxdb.rdb");
   const fs::path pastaMre = acervo.CaminhoApp / "mre";
   long s = 0;
   int k = 0;
-  for (const Texto& linha : linhas) {
-    Texto texto = DecodificarLinha(linha);
+  ParaCadaLinhaCodificada(pasta / "lxdb.rdb", [&](Texto&& texto) {
     if (k == 0) {
       int32_t codigo = TextoParaInteiro32(texto);
       acervo.AcervoCodigos[s] = codigo;
@@ -49,7 +47,7 @@ void CarregarColecao(Acervo& acervo, const fs::path& pasta,
       if (ArquivoExiste(acervo.AcervoArquivos[s])) ++s;
     }
     if (aposLinha) aposLinha(s);
-  }
+  });
   acervo.TotalMusicas = static_cast<int16_t>(s);
 }
 

@@ -1,7 +1,10 @@
 #include "stores/codec.h"
 
+#include <functional>
+#include <optional>
 #include <string>
 
+#include "base/arquivos.h"
 #include "base/erro.h"
 #include "base/numeros.h"
 
@@ -15,18 +18,44 @@ namespace {
                          ParaUtf8(FormatarNumero(codigo)));
 }
 
+// Five plain digits, the form every writer produces, read without the general conversion.
+template <typename Char>
+std::optional<double> GrupoDeDigitos(std::basic_string_view<Char> g) {
+  if (g.size() != 5) return std::nullopt;
+  int v = 0;
+  for (Char c : g) {
+    if (c < '0' || c > '9') return std::nullopt;
+    v = v * 10 + (c - '0');
+  }
+  return v;
+}
+
+double ValorDoGrupo(std::u16string_view g) { return ValorNumerico(g); }
+double ValorDoGrupo(std::string_view g) { return ValorNumerico(Texto(g.begin(), g.end())); }
+
 bool Alto(char16_t c) { return c >= 0xD800 && c <= 0xDBFF; }
 bool Baixo(char16_t c) { return c >= 0xDC00 && c <= 0xDFFF; }
 
 }  // namespace
 
-Texto DecodificarLinha(std::u16string_view linha) {
+namespace {
+
+template <typename Char>
+Texto Decodificar(std::basic_string_view<Char> linha) {
   Texto saida;
+  saida.reserve(linha.size() / 5);
   // 1-based positions 2, 7, 12, ... while p <= length - 1; the last group may be short.
   for (size_t p = 1; p + 2 <= linha.size(); p += 5) {
-    double codigo = ValorNumerico(linha.substr(p, 5));
-    double inteiro = ArredondarPar(codigo);
-    if (!(inteiro >= 0 && inteiro <= 65535)) CodigoInvalido(codigo);
+    std::basic_string_view<Char> grupo = linha.substr(p, 5);
+    double inteiro;
+    if (auto direto = GrupoDeDigitos(grupo)) {
+      inteiro = *direto;
+    } else {
+      double codigo = ValorDoGrupo(grupo);
+      inteiro = ArredondarPar(codigo);
+      if (!(inteiro >= 0 && inteiro <= 65535)) CodigoInvalido(codigo);
+    }
+    if (!(inteiro >= 0 && inteiro <= 65535)) CodigoInvalido(inteiro);
     saida.push_back(static_cast<char16_t>(inteiro));
   }
   for (size_t i = 0; i < saida.size(); ++i) {
@@ -37,6 +66,32 @@ Texto DecodificarLinha(std::u16string_view linha) {
     }
   }
   return saida;
+}
+
+}  // namespace
+
+Texto DecodificarLinha(std::u16string_view linha) { return Decodificar(linha); }
+
+void ParaCadaLinhaCodificada(const std::filesystem::path& arquivo,
+                             const std::function<void(Texto&&)>& usar) {
+  const std::string bytes = LerBytes(arquivo);
+  bool ascii = true;
+  for (char c : bytes) ascii &= static_cast<unsigned char>(c) < 0x80;
+  if (!ascii) {
+    for (const Texto& linha : DividirLinhas(DecodificarBytes(bytes)))
+      usar(Decodificar(std::u16string_view(linha)));
+    return;
+  }
+  // Pure ASCII, as every writer makes these files: decode straight from the bytes.
+  std::string_view resto(bytes);
+  while (!resto.empty()) {
+    size_t fim = resto.find('\n');
+    std::string_view linha = resto.substr(0, fim);
+    if (!linha.empty() && linha.back() == '\r') linha.remove_suffix(1);
+    usar(Decodificar(linha));
+    if (fim == std::string_view::npos) break;
+    resto.remove_prefix(fim + 1);
+  }
 }
 
 Texto CodificarLinha(std::u16string_view texto) {

@@ -1,0 +1,8 @@
+#!/usr/bin/env bash
+# Every test: build with warnings as errors, then run the whole suite through CTest.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+scripts/setup.sh
+cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DLUMAVOX_WERROR=ON >/dev/null
+cmake --build build
+ctest --test-dir build --output-on-failure -j"$(nproc)"

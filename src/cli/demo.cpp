@@ -1,0 +1,222 @@
+#include "cli/demo.h"
+
+#include <array>
+#include <fstream>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "base/arquivos.h"
+#include "cli/comandos.h"
+#include "cli/subcomandos.h"
+#include "stores/acervo.h"
+#include "stores/codec.h"
+
+namespace lumavox::cli {
+
+namespace {
+
+using Lista = std::vector<std::string>;
+
+const Lista kArtistas{"Ana Lima", "Bia Torres", "Caio Prado", "Duda Reis", "Elis Moura",
+                      "Fábio Nunes", "Gal Costa Rica", "Heitor Vaz", "Iara Sol", "João Brás",
+                      "Karla Dias", "Léo Santana", "Marta Rocha", "Nando Reis Jr", "Olívia Mar",
+                      "Pedro Luz", "Quésia Alves", "Rui Matos", "Sílvia Ramos", "Téo Azevedo",
+                      "Banda Aurora", "Os Caiçaras", "Trio Ventania", "Duo Cerrado"};
+const Lista kSeparadores{" feat ", " & ", " e ", " ft. ", " com ", " vs "};
+const Lista kGeneros{"Rock", "Pop", "MPB", "Samba", "Forró", "Sertanejo", "Axé", "Jazz",
+                     "Bossa Nova", "Reggae", "Eletrônica", "Pagode"};
+const Lista kPalavrasTitulo{"Amor", "Sol", "Mar", "Saudade", "Noite", "Estrada", "Coração",
+                            "Cidade", "Lua", "Vento", "Tempo", "Janela", "Chuva", "Sonho"};
+const Lista kVelocidades{"Rápida;", "Rápida;Normal;", "Normal;Rápida;", "Normal;", "Normal;Lenta;",
+                         "Lenta;Normal;", "Lenta;"};
+const Lista kRitmos{"Calmo;", "Normal;", "Animado;", "Calmo;Romântico;", "Animado;Pista;",
+                    "Normal;Positivo;", "Animado;Agitado;Sexy;", "Calmo;Relax;", "Normal;Cover;"};
+const Lista kLinguas{"Português", "Inglês", "Espanhol"};
+const Lista kDecadas{"60", "70", "80", "90", "2000", "2010", "2020"};
+const Lista kVozes{"Masculina", "Feminina", "Dueto", "Coral"};
+const Lista kPublicos{"Jovem", "Adulto", "Geral"};
+const Lista kSegmentos{"Popular", "Adulto Contemporâneo", "Jovem"};
+const Lista kFaixasEtarias{"18-24", "25-34", "35-49", "50+"};
+const Lista kEstilos{"Acústico", "Ao Vivo", "Estúdio", "Remix"};
+
+class Sorteio {
+ public:
+  explicit Sorteio(uint32_t semente) : g_(semente) {}
+  int Entre(int a, int b) { return std::uniform_int_distribution<int>(a, b)(g_); }
+  const std::string& De(const Lista& l) { return l[static_cast<size_t>(Entre(0, static_cast<int>(l.size()) - 1))]; }
+  bool Chance(int porcento) { return Entre(1, 100) <= porcento; }
+  std::mt19937& Gerador() { return g_; }
+
+ private:
+  std::mt19937 g_;
+};
+
+std::string Artista(Sorteio& s) {
+  std::string a = s.De(kArtistas);
+  if (s.Chance(20)) a += s.De(kSeparadores) + s.De(kArtistas);
+  return a;
+}
+
+std::string Generos(Sorteio& s) {
+  const std::string& primeiro = s.De(kGeneros);
+  std::string g = primeiro + ";";
+  if (s.Chance(40)) {
+    const std::string& segundo = s.De(kGeneros);
+    if (segundo != primeiro) g += segundo + ";";
+  }
+  return g;
+}
+
+std::array<std::string, 32> TagsDaMusica(Sorteio& s, int n) {
+  std::array<std::string, 32> t{};
+  const int duracao = s.Entre(140, 330);
+  t[0] = Artista(s);
+  t[1] = "Álbum " + s.De(kPalavrasTitulo) + " " + std::to_string(s.Entre(1, 9));
+  t[2] = s.De(kPalavrasTitulo) + " de " + s.De(kPalavrasTitulo);
+  t[4] = std::to_string(s.Entre(1, 14));
+  t[5] = Generos(s);
+  t[6] = s.De(kArtistas);
+  t[7] = std::to_string(s.Entre(60, 180));
+  t[8] = std::to_string(s.Entre(0, 10));
+  t[9] = s.Chance(60) ? "Nacional" : "Internacional";
+  t[10] = s.Chance(95) ? "Musica" : "Vinheta";
+  t[11] = "Liberada";
+  t[12] = s.Chance(97) ? "Sim" : "Não";
+  t[13] = "Não";
+  t[14] = std::to_string(std::array{128, 192, 256, 320}[static_cast<size_t>(s.Entre(0, 3))]);
+  t[15] = "44100";
+  t[16] = s.Chance(85) ? "Sim" : "Não";
+  t[17] = std::to_string(duracao);
+  t[18] = s.Chance(15) ? std::to_string(s.Entre(1, 9)) : s.De(kVelocidades);
+  t[19] = s.De(kVozes);
+  t[20] = s.De(kSegmentos);
+  t[21] = s.Chance(50) ? "M" : "F";
+  t[22] = s.Chance(70) ? "A" : "B";
+  t[23] = s.De(kFaixasEtarias);
+  t[24] = s.De(kRitmos);
+  t[25] = std::to_string(s.Entre(0, 4));
+  t[26] = std::to_string(duracao - s.Entre(0, 6));
+  t[27] = s.De(kGeneros) + ";";
+  t[28] = s.De(kEstilos);
+  t[29] = s.De(kLinguas);
+  t[30] = s.De(kDecadas);
+  t[31] = s.De(kPublicos);
+  (void)n;
+  return t;
+}
+
+struct RegraDemo {
+  bool ativo;
+  std::string id, descricao, exemplo;
+  std::array<std::string, 10> vars;
+};
+
+const std::vector<RegraDemo> kRegrasDemo{
+    {true, "01", "Começar sempre com uma musica do tipo (X1) [(X2)DATA / ENTRE (X3) E (X4)].",
+     "Comecar sempre com uma musica (Animada)", {"Ritmo:Animado;", "", "", ""}},
+    {true, "12", "Maximo de (X1) musicas (X2) consecutivas [(X3)DATA / ENTRE (X4) E (X5)].",
+     "Maximo de (3) musicas (animadas) consecutivas.", {"*2-4", "Genero:Geral*", "", "", ""}},
+    {true, "34", "Intervalo mínimo de (X1) musicas para o tag (X2) [(X3)DATA / ENTRE (X4) E (X5)].",
+     "Intervalo mínimo de (3) musicas para o tag (Title).", {"*20-8", "Artista:Geral*", "", "", ""}},
+    {true, "02", "(X1) tocar o mesmo (X2) em um período de (X3) horas [(X4)DATA / ENTRE (X5) E (X6)].",
+     "(Não) tocar o mesmo (artista) em um periodo de (10) horas", {"Não", "Title:Geral*", "6", "", "", ""}},
+    {true, "04", "Reproduzir musicas com rating (X1) decrescente mais freqüentemente [(X2)DATA / ENTRE (X3) E (X4)].",
+     "Reproduzir musicas com rating 10 decrescente mais frequentemente", {"10", "", "", ""}},
+    {true, "33", "Selecionar músicas de acordo com a barra de ritmo com varição (X1) [(X2)DATA / ENTRE (X3) E (X4)].",
+     "", {"*2-4", "", "", ""}},
+    {false, "28", "(X1)% de chance de (X2) tocar o tag X3 [(X4)DATA / ENTRE (X5) E (X6)].",
+     "(80)% de chance de (SIM/NÃO) tocar o tag Ritmo:Calmo [(X4)DATA / ENTRE (X5) E (X6)].",
+     {"30", "Não", "Lingua:Espanhol", "", "", ""}},
+    {true, "15", "NÃO FEITA ! Tocar Todas as musicas da playlist [(X1)DATA / ENTRE (X2) E (X3)].", "",
+     {}},
+};
+
+void GravarLinhasCodificadas(const fs::path& arquivo, const std::vector<std::string>& linhas) {
+  std::string bytes;
+  for (const std::string& l : linhas) bytes += ParaUtf8(CodificarLinha(DeUtf8(l))) + "\r\n";
+  EscreverBytes(arquivo, bytes);
+}
+
+void GravarRegras(const fs::path& pasta, int conjunto, int quantas) {
+  std::vector<std::string> linhas;
+  const int total = quantas > 0 ? quantas : static_cast<int>(kRegrasDemo.size());
+  for (int i = 0; i < total; ++i) {
+    // Each set starts at a different rule so the three sets differ.
+    const RegraDemo& r = kRegrasDemo[static_cast<size_t>(i + conjunto * (quantas > 0 ? 0 : 1)) %
+                                     kRegrasDemo.size()];
+    linhas.push_back(r.ativo ? "A" : "I");
+    linhas.push_back(r.id);
+    linhas.push_back(r.descricao);
+    linhas.push_back(r.exemplo);
+    for (const std::string& v : r.vars) linhas.push_back(v);
+  }
+  GravarLinhasCodificadas(pasta / ("lxie" + std::to_string(conjunto) + ".rdb"), linhas);
+}
+
+void ExecutarDemo(Contexto& ctx, const std::string& dir, const OpcoesDemo& op) {
+  const fs::path pasta = ResolverPastaApp(dir);
+  try {
+    GerarEstacaoDemo(pasta, op);
+  } catch (const std::exception& e) {
+    ctx.erros << "lumavox-cli: " << e.what() << "\n";
+    ctx.codigoSaida = 1;
+    return;
+  }
+  ctx.saida << "Estação de demonstração criada em " << pasta.string() << ": " << op.musicas
+            << " músicas, 3 conjuntos de regras, playlist noturna em \"madrugada\".\n";
+}
+
+}  // namespace
+
+void GerarEstacaoDemo(const fs::path& pasta, const OpcoesDemo& op) {
+  fs::create_directories(pasta / "mre");
+  fs::create_directories(pasta / "temp");
+  fs::create_directories(pasta / "list");
+  Sorteio s(op.semente);
+
+  std::vector<std::string> linhas, linhasNoite;
+  std::vector<char> bytes(static_cast<size_t>(op.bytesMre));
+  for (int n = 0; n < op.musicas; ++n) {
+    const int codigo = 1000 + n * 7;
+    const auto tags = TagsDaMusica(s, n);
+    std::vector<std::string>& destino = linhas;
+    destino.push_back(std::to_string(codigo));
+    destino.insert(destino.end(), tags.begin(), tags.end());
+    // The calm songs also make the night playlist.
+    if (tags[24].rfind("Calmo", 0) == 0 || tags[18].rfind("Lenta", 0) == 0) {
+      linhasNoite.push_back(std::to_string(codigo));
+      linhasNoite.insert(linhasNoite.end(), tags.begin(), tags.end());
+    }
+    for (char& b : bytes) b = static_cast<char>(s.Entre(0, 255));
+    EscreverBytes(pasta / "mre" / NomeArquivoMusica(codigo), std::string_view(bytes.data(), bytes.size()));
+  }
+  GravarLinhasCodificadas(pasta / "lxdb.rdb", linhas);
+  for (int c = 0; c <= 2; ++c) GravarRegras(pasta, c, op.regrasPorConjunto);
+
+  if (op.playlistNoturna) {
+    const fs::path noite = pasta / "madrugada";
+    fs::create_directories(noite);
+    GravarLinhasCodificadas(noite / "lxdb.rdb", linhasNoite);
+    for (int c = 0; c <= 2; ++c) GravarRegras(noite, c, op.regrasPorConjunto);
+    EscreverBytes(pasta / "pl.rdb", "00:00:00 05:59:59 madrugada\r\n");
+  } else {
+    fs::remove(pasta / "pl.rdb");
+  }
+  EscreverBytes(pasta / "ritmo.rer", "50\r\n");
+}
+
+void RegistrarDemo(CLI::App& app, Contexto& ctx) {
+  auto op = std::make_shared<OpcoesDemo>();
+  auto dir = std::make_shared<std::string>();
+  CLI::App* cmd = app.add_subcommand("demo", "Cria uma estação de demonstração com dados próprios");
+  cmd->add_option("--dir", *dir, "pasta da estação (senão LUMAVOX_DIR, senão a do executável)");
+  cmd->add_option("--musicas", op->musicas, "número de músicas (1..4001)")->check(CLI::Range(1, 4001));
+  cmd->add_option("--regras", op->regrasPorConjunto, "regras por conjunto (0 = conjunto pequeno)")
+      ->check(CLI::Range(0, 256));
+  cmd->add_option("--semente", op->semente, "semente dos dados");
+  cmd->callback([&ctx, op, dir] { ExecutarDemo(ctx, *dir, *op); });
+}
+
+}  // namespace lumavox::cli

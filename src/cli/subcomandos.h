@@ -1,0 +1,29 @@
+// The subcommands of lumavox-cli, each registering itself on the parser. A subcommand's
+// callback runs during parsing and leaves its exit code in the context.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include <filesystem>
+#include <ostream>
+#include <string>
+
+namespace lumavox::cli {
+
+namespace fs = std::filesystem;
+
+struct Contexto {
+  std::ostream& saida;
+  std::ostream& erros;
+  int codigoSaida = 0;
+};
+
+// The application folder named by --dir/LUMAVOX_DIR/the executable, or a message on stderr
+// and exit code 2 when it does not exist.
+bool PastaAppValida(Contexto& ctx, const fs::path& pasta);
+
+void RegistrarRdb(CLI::App& app, Contexto& ctx);
+void RegistrarAcervo(CLI::App& app, Contexto& ctx);
+void RegistrarDemo(CLI::App& app, Contexto& ctx);
+
+}  // namespace lumavox::cli
