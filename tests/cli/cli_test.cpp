@@ -1,0 +1,115 @@
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <cstdlib>
+#include <sstream>
+
+#include "apoio/estacao.h"
+#include "cli/comandos.h"
+#include "cli/demo.h"
+#include "rules/ritmo.h"
+#include "base/texto.h"
+
+namespace lumavox::cli {
+namespace {
+
+struct Resultado {
+  int codigo;
+  std::string saida, erros;
+};
+
+Resultado Rodar(std::vector<std::string> args) {
+  std::ostringstream saida, erros;
+  int codigo = Executar(std::move(args), saida, erros);
+  return {codigo, saida.str(), erros.str()};
+}
+
+TEST(CliAcervo, DemoCarregadaEmJsonComPlaylistPorHorario) {
+  teste::EstacaoTeste estacao;
+  const std::string dir = estacao.Pasta().string();
+  ASSERT_EQ(Rodar({"demo", "--dir", dir, "--musicas", "120"}).codigo, 0);
+
+  Resultado dia = Rodar({"acervo", "--dir", dir, "--json", "--now", "2026-11-22 10:00:00"});
+  ASSERT_EQ(dia.codigo, 0) << dia.erros;
+  auto doc = nlohmann::json::parse(dia.saida);
+  EXPECT_EQ(doc["total_musicas"], 120);
+  EXPECT_EQ(doc["playlist_atual"], 0);
+  EXPECT_TRUE(doc["erro"].is_null());
+  EXPECT_EQ(doc["quantidade_regras"], nlohmann::json::array({8, 8, 8}));
+  ASSERT_EQ(doc["musicas"].size(), 120u);
+  for (const auto& m : doc["musicas"]) {
+    // The vibe is the mean of the two rhythm tags, whatever their form.
+    const auto& tags = m["tags"];
+    double esperado = (ValorRitmo(DeUtf8(tags["Velocidade"].get<std::string>())) +
+                       ValorRitmo(DeUtf8(tags["Ritmo"].get<std::string>()))) / 2;
+    EXPECT_DOUBLE_EQ(tags["Vibe"].get<double>(), esperado);
+  }
+
+  auto noite = nlohmann::json::parse(
+      Rodar({"acervo", "--dir", dir, "--json", "--now", "2026-11-22 03:00:00"}).saida);
+  EXPECT_EQ(noite["playlist_atual"], 1);
+  EXPECT_LT(noite["total_musicas"].get<int>(), 120);
+  EXPECT_NE(noite["pasta_dados"].get<std::string>().find("madrugada"), std::string::npos);
+}
+
+TEST(CliAcervo, PastaAusenteOuArgumentoRuimSaiComErroDeUmaLinha) {
+  Resultado r = Rodar({"acervo", "--dir", "/nao/existe/lumavox"});
+  EXPECT_EQ(r.codigo, 2);
+  EXPECT_EQ(std::count(r.erros.begin(), r.erros.end(), '\n'), 1);
+
+  Resultado opcao = Rodar({"acervo", "--inexistente"});
+  EXPECT_NE(opcao.codigo, 0);
+  EXPECT_EQ(std::count(opcao.erros.begin(), opcao.erros.end(), '\n'), 1);
+
+  EXPECT_EQ(Rodar({"acervo", "--help"}).codigo, 0);
+  EXPECT_EQ(Rodar({"acervo", "--dir", "/tmp", "--now", "ontem"}).codigo, 2);
+}
+
+TEST(CliAcervo, CargaInterrompidaAvisaEMostraOQueCarregou) {
+  teste::EstacaoTeste estacao;
+  estacao.GravarTexto("lxdb.rdb", std::string("\x7f\x45\x4c\x46\x00\x01garbage\n\xff\xfe", 18));
+  Resultado r = Rodar({"acervo", "--dir", estacao.Pasta().string(), "--json"});
+  EXPECT_EQ(r.codigo, 0);
+  EXPECT_NE(r.erros.find("aviso:"), std::string::npos);
+  auto doc = nlohmann::json::parse(r.saida);
+  EXPECT_EQ(doc["total_musicas"], 0);
+  EXPECT_FALSE(doc["erro"].is_null());
+}
+
+TEST(CliAcervo, PastaDeLumavoxDirQuandoFaltaDir) {
+  teste::EstacaoTeste estacao;
+  estacao.Musica(7).GravarAcervo();
+  estacao.GravarRegras();
+  ::setenv("LUMAVOX_DIR", estacao.Pasta().string().c_str(), 1);
+  Resultado r = Rodar({"acervo"});
+  ::unsetenv("LUMAVOX_DIR");
+  EXPECT_EQ(r.codigo, 0) << r.erros;
+  EXPECT_NE(r.saida.find("TotalMusicas: 1"), std::string::npos);
+  EXPECT_NE(r.saida.find("0000007"), std::string::npos);
+}
+
+TEST(CliRdb, CodificaEDecodificaIdaEVolta) {
+  teste::EstacaoTeste estacao;
+  estacao.GravarTexto("texto.txt", "Canção\r\nGenero:Rock;Pop\n\nÚltima");
+  Resultado cod = Rodar({"rdb", "encode", estacao.Caminho("texto.txt").string()});
+  ASSERT_EQ(cod.codigo, 0) << cod.erros;
+  EXPECT_EQ(cod.saida.substr(0, cod.saida.find('\n')), teste::EstacaoTeste::Codificada("Canção"));
+
+  estacao.GravarTexto("texto.rdb", cod.saida);
+  Resultado dec = Rodar({"rdb", "decode", estacao.Caminho("texto.rdb").string()});
+  ASSERT_EQ(dec.codigo, 0) << dec.erros;
+  EXPECT_EQ(dec.saida, "Canção\nGenero:Rock;Pop\n\nÚltima\n");
+}
+
+TEST(CliRdb, LinhaIndecodificavelIndicaALinha) {
+  teste::EstacaoTeste estacao;
+  estacao.GravarTexto("ruim.rdb", teste::EstacaoTeste::Codificada("ok") + "\n0" + "99999\n");
+  Resultado r = Rodar({"rdb", "decode", estacao.Caminho("ruim.rdb").string()});
+  EXPECT_EQ(r.codigo, 1);
+  EXPECT_EQ(r.saida, "ok\n");
+  EXPECT_NE(r.erros.find("linha 2"), std::string::npos);
+  EXPECT_EQ(Rodar({"rdb", "decode", estacao.Caminho("falta.rdb").string()}).codigo, 1);
+}
+
+}  // namespace
+}  // namespace lumavox::cli
