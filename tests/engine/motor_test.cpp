@@ -1,0 +1,151 @@
+#include "engine/motor.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+
+#include "apoio/estacao.h"
+
+namespace lumavox {
+namespace {
+
+using teste::EstacaoTeste;
+
+struct HistoricoContado : OrigemHistorico {
+  explicit HistoricoContado(int& n) : chamadas(n) {}
+  void CarregarMusicasTocadas(Estado&) override { ++chamadas; }
+  int& chamadas;
+};
+
+// Keeps what debuglog.rer held when a load began, before the load's own lines.
+struct PainelEspiao : Painel {
+  explicit PainelEspiao(const EstacaoTeste& e) : estacao(e) {}
+  void MostrarPlaylist(const fs::path&) override { debugAntes = estacao.Ler("debuglog.rer"); }
+  const EstacaoTeste& estacao;
+  std::string debugAntes;
+};
+
+class MotorCarga : public ::testing::Test {
+ protected:
+  MotorCarga() {
+    motor.DefinirOrigemHistorico(std::make_unique<HistoricoContado>(historicos));
+    estacao.Musica(1).Musica(2).Musica(3).GravarAcervo();
+    estacao.Regra(0, true, "01").Regra(2, true, "04").Regra(2, false, "05").GravarRegras();
+  }
+  // The default playlist, as start-up leaves it without pl.rdb.
+  void DefinirAcervo(int16_t carregarLogs = 0) {
+    motor.AbrirPlaylists();
+    motor.E().playlists.PlaylistAtual = 0;
+    motor.DefinirAcervo(0, carregarLogs);
+  }
+  void Verificar(int hora = 9) {
+    ambiente.DefinirAgora(MontarDataHora(2026, 11, 22, hora, 0, 0));
+    motor.VerificarPlaylist(0);
+  }
+  std::array<int16_t, 3> Regras() const { return motor.E().catalogo.QuantidadeRegras; }
+
+  EstacaoTeste estacao;
+  AmbienteFixo ambiente{MontarDataHora(2026, 11, 22, 9, 0, 0)};
+  Motor motor{estacao.Pasta(), ambiente};
+  int historicos = 0;
+};
+
+TEST_F(MotorCarga, CargaCompletaGravaNregCarregaRegrasELimpaAgenda) {
+  motor.E().agenda.TabelasNumero[2] = 7;
+  motor.E().agenda.TabelasGrade(1, 300, 5) = u"Genero:Rock";
+  DefinirAcervo();
+  EXPECT_EQ(motor.E().acervo.TotalMusicas, 3);
+  EXPECT_EQ(estacao.Ler("nreg.rer"), "3\n");
+  EXPECT_EQ(Regras(), (std::array<int16_t, 3>{1, 0, 2}));
+  EXPECT_EQ(motor.E().agenda.TabelasNumero[2], 0);
+  EXPECT_EQ(motor.E().agenda.TabelasGrade(1, 300, 5), u"");
+  EXPECT_EQ(historicos, 1);
+  EXPECT_FALSE(estacao.Existe("debuglog.rer"));
+
+  DefinirAcervo(-1);
+  EXPECT_EQ(historicos, 1);
+}
+
+TEST_F(MotorCarga, FalhaParaACargaAntesDasEtapasSeguintes) {
+  DefinirAcervo();
+  std::filesystem::remove(estacao.Caminho("nreg.rer"));
+  estacao.GravarTexto("lxdb.rdb", EstacaoTeste::Codificada("x") + "\n");
+  estacao.Regra(0, true, "01").Regra(0, true, "02").GravarRegras();
+  EXPECT_THROW(DefinirAcervo(), ErroExecucao);
+  EXPECT_EQ(motor.E().acervo.TotalMusicas, 3);
+  EXPECT_FALSE(estacao.Existe("nreg.rer"));
+  EXPECT_EQ(Regras(), (std::array<int16_t, 3>{1, 0, 2}));
+
+  // Set 0 is read before the missing set 1 stops the load.
+  estacao.Musica(4).GravarAcervo();
+  std::filesystem::remove(estacao.Caminho("lxie1.rdb"));
+  EXPECT_THROW(DefinirAcervo(), ErroExecucao);
+  EXPECT_EQ(motor.E().acervo.TotalMusicas, 1);
+  EXPECT_EQ(Regras(), (std::array<int16_t, 3>{2, 0, 2}));
+  EXPECT_EQ(historicos, 1);
+}
+
+TEST_F(MotorCarga, InicioComDebugRed) {
+  PainelEspiao painel(estacao);
+  motor.DefinirPainel(&painel);
+  estacao.GravarTexto("debug.red", "");
+  motor.Iniciar();
+  EXPECT_TRUE(motor.E().ModoDebug);
+  EXPECT_EQ(painel.debugAntes, "Abriu Playlists\n");
+  EXPECT_EQ(estacao.Ler("debuglog.rer"), "Musica: 3\n");
+  EXPECT_FALSE(motor.UltimoErro().has_value());
+}
+
+TEST_F(MotorCarga, PlaylistUnicaRecarregaNaSextaVerificacao) {
+  motor.Iniciar();
+  EXPECT_FALSE(motor.E().ModoDebug);
+  EXPECT_EQ(motor.E().playlists.TotalPlaylists, 1);
+  EXPECT_EQ(motor.E().acervo.PastaDados, estacao.Pasta());
+  EXPECT_EQ(motor.E().acervo.TotalMusicas, 3);
+  ASSERT_EQ(historicos, 1);
+  for (int rodada = 2; rodada <= 3; ++rodada) {
+    for (int i = 1; i <= 5; ++i) Verificar();
+    EXPECT_EQ(historicos, rodada - 1);
+    Verificar();
+    EXPECT_EQ(historicos, rodada);
+  }
+  EXPECT_FALSE(estacao.Existe("debuglog.rer"));
+}
+
+TEST_F(MotorCarga, TrocaDeFaixaRecarregaNaHora) {
+  estacao.Musica(10).GravarAcervo("manha");
+  estacao.Musica(20).Musica(21).GravarAcervo("tarde");
+  estacao.GravarRegras("manha");
+  estacao.GravarRegras("tarde");
+  estacao.GravarTexto("pl.rdb", "08:00:00 11:59:59 manha\n12:00:00 18:00:00 tarde\n");
+  motor.Iniciar();
+  EXPECT_EQ(motor.E().acervo.PastaDados, estacao.Pasta() / "manha");
+  EXPECT_EQ(motor.E().acervo.AcervoCodigos[0], 10);
+
+  Verificar(13);
+  EXPECT_EQ(historicos, 2);
+  EXPECT_EQ(motor.E().acervo.TotalMusicas, 2);
+  for (int i = 1; i <= 6; ++i) Verificar(13);
+  EXPECT_EQ(historicos, 3);
+
+  Verificar(20);  // no span: back to the application folder's collection
+  EXPECT_EQ(historicos, 4);
+  EXPECT_EQ(motor.E().playlists.PlaylistAtual, 0);
+  EXPECT_EQ(motor.E().acervo.TotalMusicas, 3);
+}
+
+TEST_F(MotorCarga, CargaQueFalhaETentadaDeNovoACadaVerificacao) {
+  motor.Iniciar();
+  std::filesystem::remove(estacao.Caminho("lxdb.rdb"));
+  motor.E().ContagemRecarga = INT16_MIN + 1;
+  EXPECT_THROW(Verificar(), ErroExecucao);
+  EXPECT_THROW(Verificar(), ErroExecucao);
+  EXPECT_EQ(motor.E().ContagemRecarga, INT16_MIN);
+  estacao.Musica(5).GravarAcervo();
+  Verificar();
+  EXPECT_EQ(motor.E().acervo.TotalMusicas, 1);
+  EXPECT_EQ(motor.E().ContagemRecarga, 5);
+}
+
+}  // namespace
+}  // namespace lumavox

@@ -1,0 +1,121 @@
+#include "stores/acervo.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "apoio/estacao.h"
+
+namespace lumavox {
+namespace {
+
+using teste::ErroDe;
+using teste::EstacaoTeste;
+
+class CarregarAcervo : public ::testing::Test {
+ protected:
+  CarregarAcervo() { acervo.CaminhoApp = estacao.Pasta(); }
+  void Carregar() { CarregarColecao(acervo, estacao.Pasta(), nullptr); }
+
+  EstacaoTeste estacao;
+  Acervo acervo;
+};
+
+TEST_F(CarregarAcervo, CodigosTagsEArquivos) {
+  estacao.Musica(123, {{"Artista", "Ana"}, {3, "oculto"}, {"Publico", "Jovem"}})
+      .Musica(12345678, {{"Title", "Título"}})
+      .GravarAcervo();
+  Carregar();
+  ASSERT_EQ(acervo.TotalMusicas, 2);
+  EXPECT_EQ(acervo.AcervoCodigos[0], 123);
+  EXPECT_EQ(acervo.AcervoTags(0, 0), u"Ana");
+  EXPECT_EQ(acervo.AcervoTags(0, 3), u"oculto");
+  EXPECT_EQ(acervo.AcervoTags(0, 31), u"Jovem");
+  EXPECT_EQ(acervo.AcervoTags(1, 2), u"Título");
+  EXPECT_EQ(acervo.AcervoArquivos[0], estacao.Pasta() / "mre" / "0000123.mre");
+  EXPECT_EQ(acervo.AcervoArquivos[1], estacao.Pasta() / "mre" / "12345678.mre");
+}
+
+TEST_F(CarregarAcervo, MusicaSemMreCedeOSlotERegistroIncompletoNaoConta) {
+  estacao.Musica(1, {{"Artista", "A"}})
+      .Musica(2, {{"Artista", "B"}}, false)
+      .Musica(3, {{"Artista", "C"}})
+      .Musica(4)
+      .GravarAcervo();
+  std::string linhas = estacao.Ler("lxdb.rdb");
+  linhas.erase(linhas.rfind('\n', linhas.size() - 2) + 1);  // song 4 loses its last line
+  estacao.GravarTexto("lxdb.rdb", linhas);
+  Carregar();
+  ASSERT_EQ(acervo.TotalMusicas, 2);
+  EXPECT_EQ(acervo.AcervoCodigos[1], 3);
+  EXPECT_EQ(acervo.AcervoTags(1, 0), u"C");
+}
+
+TEST_F(CarregarAcervo, VibeEMediaDeVelocidadeERitmo) {
+  estacao.Musica(1, {{"Velocidade", "8"}, {"Ritmo", "Normal;"}})
+      .Musica(2, {{"Velocidade", "Rápida;"}, {"Ritmo", "Rápida;"}})
+      .Musica(3)
+      .GravarAcervo();
+  Carregar();
+  EXPECT_DOUBLE_EQ(acervo.AcervoVibe[0], 6.5);
+  EXPECT_EQ(acervo.AcervoTags(0, kCampoVibe), u"6,5");
+  EXPECT_EQ(acervo.AcervoTags(1, kCampoVibe), u"9");
+  EXPECT_EQ(acervo.AcervoTags(2, kCampoVibe), u"0");
+}
+
+TEST_F(CarregarAcervo, CrlfELfDaoOMesmoAcervo) {
+  estacao.Musica(7, {{"Genero", "Rock"}, {"Publico", "Todos"}}).Musica(8).GravarAcervo();
+  std::string crlf;
+  for (char c : estacao.Ler("lxdb.rdb")) crlf += c == '\n' ? std::string("\r\n") : std::string(1, c);
+  crlf.resize(crlf.size() - 2);  // and no line end after the last line
+  estacao.GravarTexto("lxdb.rdb", crlf);
+  Carregar();
+  ASSERT_EQ(acervo.TotalMusicas, 2);
+  EXPECT_EQ(acervo.AcervoTags(0, 5), u"Rock");
+  EXPECT_EQ(acervo.AcervoTags(0, 31), u"Todos");
+  EXPECT_EQ(acervo.AcervoCodigos[1], 8);
+
+  estacao.GravarTexto("lxdb.rdb", "");
+  Carregar();
+  EXPECT_EQ(acervo.TotalMusicas, 0);
+}
+
+TEST_F(CarregarAcervo, ArquivoDefeituosoLevantaEMantemTotal) {
+  std::string lixo;
+  std::mt19937 gerador(7);
+  for (int i = 0; i < 4096; ++i) lixo.push_back(static_cast<char>(gerador() & 0xFF));
+  const std::string tag = EstacaoTeste::Codificada("ok") + "\n";
+  const std::vector<std::pair<const char*, std::string>> casos{
+      {"código não numérico", EstacaoTeste::Codificada("12a") + "\n" + tag},
+      {"código vazio", "0\n" + tag},
+      {"caractere 99999", EstacaoTeste::Codificada("5") + "\n0000659999900066\n"},
+      {"lixo binário", lixo},
+  };
+  estacao.Musica(1).Musica(2).GravarAcervo();
+  Carregar();
+  for (const auto& [nome, conteudo] : casos) {
+    SCOPED_TRACE(nome);
+    estacao.GravarTexto("lxdb.rdb", conteudo);
+    EXPECT_TRUE(ErroDe([&] { Carregar(); }));
+    EXPECT_EQ(acervo.TotalMusicas, 2);
+  }
+  std::filesystem::remove(estacao.Caminho("lxdb.rdb"));
+  EXPECT_EQ(ErroDe([&] { Carregar(); }), CodigoErro::ArquivoNaoEncontrado);
+  EXPECT_EQ(acervo.TotalMusicas, 2);
+}
+
+TEST_F(CarregarAcervo, CabemQuatroMilEUmaMusicas) {
+  // A few codes repeated: the loader does not mind, and few media files keep the test fast.
+  for (int32_t i = 0; i < kTotalSlots; ++i) estacao.Musica(1 + i % 4);
+  estacao.GravarAcervo();
+  Carregar();
+  ASSERT_EQ(acervo.TotalMusicas, kTotalSlots);
+
+  estacao.Musica(5).GravarAcervo("extra");
+  estacao.GravarTexto("lxdb.rdb", estacao.Ler("lxdb.rdb") + estacao.Ler("extra/lxdb.rdb"));
+  EXPECT_EQ(ErroDe([&] { Carregar(); }), CodigoErro::ForaDoIntervalo);
+  EXPECT_EQ(acervo.TotalMusicas, kTotalSlots);
+}
+
+}  // namespace
+}  // namespace lumavox

@@ -1,0 +1,73 @@
+#include "stores/playlists.h"
+
+#include <gtest/gtest.h>
+
+#include "apoio/estacao.h"
+
+namespace lumavox {
+namespace {
+
+using teste::EstacaoTeste;
+
+class LerPlaylists : public ::testing::Test {
+ protected:
+  void Abrir(const std::string& conteudo) {
+    estacao.GravarTexto("pl.rdb", conteudo);
+    AbrirPlaylists(tabela, estacao.Pasta());
+  }
+  int32_t As(int hora, int minuto, int segundo = 0) const {
+    return PlaylistDoHorario(tabela, MontarDataHora(2026, 11, 22, hora, minuto, segundo));
+  }
+
+  EstacaoTeste estacao;
+  TabelaPlaylists tabela;
+};
+
+TEST_F(LerPlaylists, LinhasInvalidasSaoPuladas) {
+  Abrir("08:00:00 10:00:00 \n"              // exactly 18 characters: no name
+        "25:00:00 10:00:00 hora\n"
+        "08:00:00 xx:00:00 fim\n"
+        "08:00\n"
+        "\n"
+        "08:00:00 10:00:00 Manha\\Rock\r\n"
+        "10:00:01-11:30:00|Tarde\r\n");
+  ASSERT_EQ(tabela.TotalPlaylists, 3);
+  EXPECT_EQ(tabela.Playlists[1], estacao.Pasta() / "Manha" / "Rock");
+  EXPECT_EQ(tabela.PlaylistInicio[1], MontarDataHora(1899, 12, 30, 8, 0, 0));
+  EXPECT_EQ(tabela.PlaylistFim[1], MontarDataHora(1899, 12, 30, 10, 0, 0));
+  EXPECT_EQ(tabela.Playlists[2], estacao.Pasta() / "Tarde");
+  EXPECT_EQ(tabela.PlaylistFim[2], MontarDataHora(1899, 12, 30, 11, 30, 0));
+}
+
+TEST_F(LerPlaylists, NomeEmWindows1252) {
+  Abrir("08:00:00 10:00:00 M\xfasica J\xe1\r\n");
+  ASSERT_EQ(tabela.TotalPlaylists, 2);
+  EXPECT_EQ(tabela.Playlists[1], estacao.Pasta() / "Música Já");
+}
+
+TEST_F(LerPlaylists, TrigesimaPrimeiraLinhaValidaParaALeitura) {
+  std::string conteudo;
+  for (int i = 1; i <= 32; ++i) conteudo += "08:00:00 09:00:00 p" + std::to_string(i) + "\n";
+  Abrir(conteudo);
+  EXPECT_EQ(tabela.TotalPlaylists, 31);
+  EXPECT_EQ(tabela.Playlists[30], estacao.Pasta() / "p30");
+}
+
+TEST_F(LerPlaylists, HorarioEscolheAUltimaFaixaQueContemOInstante) {
+  Abrir("08:00:00 12:00:00 manha\n"
+        "22:00:00 02:00:00 madrugada\n"   // crosses midnight: never matches
+        "10:00:00 11:00:00 destaque\n");
+  EXPECT_EQ(As(7, 59, 59), 0);
+  EXPECT_EQ(As(8, 0), 1);
+  EXPECT_EQ(As(9, 59, 59), 1);
+  EXPECT_EQ(As(10, 0), 3);
+  EXPECT_EQ(As(11, 0), 3);
+  EXPECT_EQ(As(11, 0, 1), 1);
+  EXPECT_EQ(As(12, 0), 1);
+  EXPECT_EQ(As(12, 0, 1), 0);
+  EXPECT_EQ(As(23, 0), 0);
+  EXPECT_EQ(As(1, 0), 0);
+}
+
+}  // namespace
+}  // namespace lumavox
