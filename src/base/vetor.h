@@ -12,6 +12,15 @@ namespace lumavox {
 
 [[noreturn]] void ErroIndice(long indice, long inicio, long fim);
 
+// A True/False flag that can live in the arrays below (std::vector<bool> hands out no
+// references).
+struct Booleano {
+  bool valor = false;
+  Booleano() = default;
+  Booleano(bool v) : valor(v) {}
+  operator bool() const { return valor; }
+};
+
 // Indexes run from Inicio to Fim inclusive, like the station's arrays (e.g. -4000..4000).
 template <typename T, long Inicio, long Fim>
 class Vetor {

@@ -9,6 +9,7 @@
 #include "base/vetor.h"
 #include "engine/catalogo.h"
 #include "stores/acervo.h"
+#include "stores/historico.h"
 #include "stores/playlists.h"
 
 namespace lumavox {
@@ -24,11 +25,27 @@ struct TabelasAgenda {
   }
 };
 
+// The candidate set of the selection being made and the counters the rules and the log read.
+struct Selecao {
+  Vetor<Booleano, 0, kUltimoSlot> MusicaCandidata;  // cleared only by the dispatcher
+  Vetor<Booleano, 0, kUltimoSlot> MusicaMantida;    // verdict of the rule being applied
+  int16_t MusicasExcluidas = 0;  // songs not both candidate and kept after the last accepted rule
+  int16_t NivelRitmo = 0;        // level handed to the dispatcher
+  DataHora DataHoraReferencia;   // the moment every rule but "13" takes as now
+  int16_t RegraNumero = 0;       // rules walked in this selection, from 1
+  int32_t MusicasEscolhidas = 0; // songs chosen since start-up; numbers the log's subtrees
+  int16_t CliqueAtual = 0;       // advance click of this selection, read by rule "03"
+  int16_t ModoComparacaoArtista = 0;  // 0: one piece suffices; 1: every piece must match
+  bool NaoRealizada = false;     // the rule's number has no procedure
+};
+
 struct Estado {
   Acervo acervo;
   TabelaPlaylists playlists;
   Catalogo catalogo;
   TabelasAgenda agenda;
+  Historico historico;
+  Selecao selecao;
 
   bool ModoDebug = false;
   int16_t ContagemRecarga = 0;
