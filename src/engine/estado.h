@@ -8,6 +8,7 @@
 #include "base/datas.h"
 #include "base/vetor.h"
 #include "engine/catalogo.h"
+#include "rules/pedacos.h"
 #include "stores/acervo.h"
 #include "stores/historico.h"
 #include "stores/playlists.h"
@@ -46,6 +47,8 @@ struct Estado {
   TabelasAgenda agenda;
   Historico historico;
   Selecao selecao;
+  // Prepared tag texts for the tag comparisons; always checked against AcervoTags.
+  CacheTags cacheTags;
 
   bool ModoDebug = false;
   int16_t ContagemRecarga = 0;

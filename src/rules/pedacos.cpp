@@ -1,0 +1,174 @@
+#include "rules/pedacos.h"
+
+#include <cstring>
+
+#include "base/numeros.h"
+
+namespace lumavox {
+
+namespace {
+
+// The artist separators in the order they are tried, upper-cased once so that matching one
+// "ignoring case" is a plain compare against the upper-cased tag.
+const std::array<Texto, 20>& SeparadoresArtista() {
+  static const std::array<Texto, 20> separadores = [] {
+    constexpr std::array<std::u16string_view, 20> originais{
+        u" feat ", u" feat. ", u" ft ",     u" ft. ",  u" featuring ", u" and ",   u" & ",
+        u" e ",    u" remix ", u" mix ",    u" rmx ",  u" duet ",      u" dueto ", u" , ",
+        u" vs ",   u" vs. ",   u" versus ", u" with ", u" w ",         u" com "};
+    std::array<Texto, 20> saida;
+    for (size_t i = 0; i < originais.size(); ++i) saida[i] = Maiusculas(originais[i]);
+    return saida;
+  }();
+  return separadores;
+}
+
+bool Iguais(std::u16string_view a, std::u16string_view b) {
+  return a.size() == b.size() &&
+         (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)) == 0);
+}
+
+}  // namespace
+
+TipoDivisao TipoDoCampo(int16_t campo) {
+  if (campo == 0) return TipoDivisao::Artista;
+  if (campo == 32) return TipoDivisao::Vibe;
+  return TipoDivisao::PontoEVirgula;
+}
+
+bool PedacosTexto::MesmoTexto(std::u16string_view texto) const { return Iguais(Original(), texto); }
+
+void PedacosTexto::Preparar(std::u16string_view texto, TipoDivisao tipo) {
+  tipo_ = tipo;
+  pedacos_.clear();
+  Texto maiusculo = Maiusculas(texto);
+  tamanhoOriginal_ = static_cast<uint32_t>(texto.size());
+  tamanhoMaiusculo_ = static_cast<uint32_t>(maiusculo.size());
+  dados_.assign(texto);
+  dados_.append(maiusculo);
+
+  // Upper-casing keeps the length for every code point ICU maps; should it ever not, positions
+  // are walked on the original text and each piece is upper-cased on its own.
+  const bool alinhado = maiusculo.size() == texto.size();
+  const std::u16string_view maius(maiusculo);
+  const size_t n = texto.size();
+  size_t inicio = 0;
+  for (size_t p = 0; p < n; ++p) {
+    size_t salto = 0;
+    bool achou = false;
+    if (tipo == TipoDivisao::Artista) {
+      // Every separator starts with a blank, and only a blank upper-cases to a blank.
+      if (texto[p] != u' ') continue;
+      for (const Texto& s : SeparadoresArtista()) {
+        if (p + s.size() > n) continue;
+        bool igual =
+            alinhado ? maius.substr(p, s.size()) == s : Maiusculas(texto.substr(p, s.size())) == s;
+        if (igual) {
+          achou = true;
+          salto = s.size() - 1;
+          break;
+        }
+      }
+    } else {
+      achou = texto[p] == u';';
+    }
+    if (achou) {
+      AdicionarPedaco(texto, inicio, p - inicio, false, alinhado);
+      p += salto;
+      inicio = p + 1;
+    }
+  }
+  // The trailing piece needs two characters or more.
+  if (inicio + 1 < n) AdicionarPedaco(texto, inicio, n - inicio, true, alinhado);
+}
+
+void PedacosTexto::AdicionarPedaco(std::u16string_view texto, size_t inicio, size_t tamanho,
+                                   bool final, bool alinhado) {
+  Pedaco p;
+  p.final = final;
+  p.tamanho = static_cast<uint32_t>(tamanho);
+  if (alinhado) {
+    p.inicio = static_cast<uint32_t>(tamanhoOriginal_ + inicio);
+  } else {
+    Texto m = Maiusculas(texto.substr(inicio, tamanho));
+    p.inicio = static_cast<uint32_t>(dados_.size());
+    p.tamanho = static_cast<uint32_t>(m.size());
+    dados_.append(m);
+  }
+  if (tipo_ == TipoDivisao::Vibe) p.numero = ValorNumerico(texto.substr(inicio, tamanho));
+  pedacos_.push_back(p);
+}
+
+bool PedacosTexto::ContemPedaco(std::u16string_view maiusculo, double numero) const {
+  if (tipo_ == TipoDivisao::Vibe) {
+    for (const Pedaco& q : pedacos_)
+      if (q.numero - 0.5 <= numero && numero <= q.numero + 0.5) return true;
+    return false;
+  }
+  for (const Pedaco& q : pedacos_)
+    if (Iguais(Vista(q), maiusculo)) return true;
+  return false;
+}
+
+CacheTags& CacheTags::operator=(const CacheTags& outro) {
+  if (this != &outro) Limpar();
+  return *this;
+}
+
+void CacheTags::Limpar() {
+  slots_.reset();
+  for (MapaTextos& m : textos_) m.clear();
+  for (FiltroPreparado& f : filtros_) f = FiltroPreparado();
+  ultimoFiltro_ = proximoFiltro_ = 0;
+}
+
+const PedacosTexto& CacheTags::DoSlot(long slot, int16_t campo, std::u16string_view texto) {
+  if (!slots_) slots_ = std::make_unique<PedacosTexto[]>(static_cast<size_t>(kSlots * kCampos));
+  PedacosTexto& p = slots_[static_cast<size_t>(slot * kCampos + campo)];
+  // An entry never prepared is the form of the empty text, which is right for an empty tag.
+  if (!p.MesmoTexto(texto)) p.Preparar(texto, TipoDoCampo(campo));
+  return p;
+}
+
+const PedacosTexto& CacheTags::DoTexto(std::u16string_view texto, TipoDivisao tipo) {
+  MapaTextos& mapa = textos_[static_cast<size_t>(tipo)];
+  auto it = mapa.find(texto);
+  if (it == mapa.end()) {
+    it = mapa.try_emplace(Texto(texto)).first;
+    it->second.Preparar(texto, tipo);
+  }
+  return it->second;
+}
+
+std::pair<const PedacosTexto*, const PedacosTexto*> CacheTags::DoisTextos(std::u16string_view a,
+                                                                          std::u16string_view b,
+                                                                          TipoDivisao tipo) {
+  // Emptied before either lookup, so the first answer cannot be freed by the second.
+  MapaTextos& mapa = textos_[static_cast<size_t>(tipo)];
+  if (mapa.size() + 2 > kLimiteTextos) mapa.clear();
+  const PedacosTexto* pa = &DoTexto(a, tipo);
+  const PedacosTexto* pb = &DoTexto(b, tipo);
+  return {pa, pb};
+}
+
+const FiltroPreparado* CacheTags::ProcurarFiltro(std::u16string_view filtro) {
+  const FiltroPreparado& ultimo = filtros_[ultimoFiltro_];
+  if (ultimo.usado && Iguais(ultimo.filtro, filtro)) return &ultimo;
+  for (size_t i = 0; i < kFiltros; ++i) {
+    if (filtros_[i].usado && Iguais(filtros_[i].filtro, filtro)) {
+      ultimoFiltro_ = i;
+      return &filtros_[i];
+    }
+  }
+  return nullptr;
+}
+
+FiltroPreparado& CacheTags::NovoFiltro() {
+  ultimoFiltro_ = proximoFiltro_;
+  proximoFiltro_ = (proximoFiltro_ + 1) % kFiltros;
+  FiltroPreparado& f = filtros_[ultimoFiltro_];
+  f.usado = false;
+  return f;
+}
+
+}  // namespace lumavox

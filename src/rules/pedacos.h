@@ -1,0 +1,124 @@
+// Prepared forms of tag texts and value lists. Rules compare tags inside loops over the whole
+// collection, so a text is upper-cased and split into its pieces once, and later comparisons
+// only look at views into that prepared form.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "base/texto.h"
+
+namespace lumavox {
+
+// How a field's values are split: the artist separators for "Artista" (field 0), ";" for every
+// other field, and ";" with pieces compared as numbers for "Vibe" (field 32).
+enum class TipoDivisao : uint8_t { Artista = 0, PontoEVirgula = 1, Vibe = 2 };
+constexpr int kTiposDivisao = 3;
+
+TipoDivisao TipoDoCampo(int16_t campo);
+
+struct Pedaco {
+  uint32_t inicio = 0;  // position of the upper-cased piece in PedacosTexto's buffer
+  uint32_t tamanho = 0;
+  bool final = false;  // the trailing piece, after the last separator
+  double numero = 0;   // ValorNumerico of the piece; filled for Vibe only
+};
+
+// One text split by the station's walk: a separator hit closes the piece before it; the
+// trailing piece exists only when it holds at least two characters, so a one-character tag or
+// a one-character last piece is never compared. Pieces are not trimmed and may be empty.
+// A default-constructed object is the prepared form of the empty text.
+class PedacosTexto {
+ public:
+  void Preparar(std::u16string_view texto, TipoDivisao tipo);
+
+  bool MesmoTexto(std::u16string_view texto) const;
+  std::u16string_view Original() const { return {dados_.data(), tamanhoOriginal_}; }
+  std::u16string_view Maiusculo() const {
+    return {dados_.data() + tamanhoOriginal_, tamanhoMaiusculo_};
+  }
+  std::u16string_view Vista(const Pedaco& p) const { return {dados_.data() + p.inicio, p.tamanho}; }
+  const std::vector<Pedaco>& Pedacos() const { return pedacos_; }
+  TipoDivisao Tipo() const { return tipo_; }
+
+  // Whether a piece (upper-cased, with its number for Vibe) equals one of this list's pieces:
+  // within 0.5 either way, both bounds included, for Vibe; the same upper-case text otherwise.
+  bool ContemPedaco(std::u16string_view maiusculo, double numero) const;
+
+ private:
+  void AdicionarPedaco(std::u16string_view texto, size_t inicio, size_t tamanho, bool final,
+                       bool alinhado);
+
+  // The original text, then its upper-case form, then (only when upper-casing changed the
+  // length) the upper-case form of each piece on its own.
+  Texto dados_;
+  uint32_t tamanhoOriginal_ = 0;
+  uint32_t tamanhoMaiusculo_ = 0;
+  TipoDivisao tipo_ = TipoDivisao::PontoEVirgula;
+  std::vector<Pedaco> pedacos_;
+};
+
+// A filter text already split and looked up: its field, whether it accepts every song, and the
+// prepared value list.
+struct FiltroPreparado {
+  Texto filtro;
+  bool usado = false;
+  bool aceitaTudo = false;
+  int16_t campo = 0;
+  PedacosTexto valor;
+};
+
+// Memo of prepared forms, kept inside Estado. Entries are always checked against the current
+// text, so a tag written straight into AcervoTags is never answered from a stale form.
+class CacheTags {
+ public:
+  static constexpr long kSlots = 4001;
+  static constexpr long kCampos = 33;
+  static constexpr size_t kLimiteTextos = 4096;  // per split kind; the map is emptied past it
+  static constexpr size_t kFiltros = 16;
+
+  CacheTags() = default;
+  // Prepared forms are derived data: a copy starts empty and fills itself again.
+  CacheTags(const CacheTags&) {}
+  CacheTags& operator=(const CacheTags&);
+  CacheTags(CacheTags&&) noexcept = default;
+  CacheTags& operator=(CacheTags&&) noexcept = default;
+
+  // The tag text of (slot, campo), prepared for that field. Slot and field must already be in
+  // range (the caller has read AcervoTags(slot, campo), which checks them).
+  const PedacosTexto& DoSlot(long slot, int16_t campo, std::u16string_view texto);
+
+  // Two arbitrary texts prepared for one split kind; both stay valid until the next call.
+  std::pair<const PedacosTexto*, const PedacosTexto*> DoisTextos(std::u16string_view a,
+                                                                 std::u16string_view b,
+                                                                 TipoDivisao tipo);
+
+  // The memo entry of a filter text, or nullptr; Novo hands out an entry to fill, replacing
+  // the oldest one.
+  const FiltroPreparado* ProcurarFiltro(std::u16string_view filtro);
+  FiltroPreparado& NovoFiltro();
+
+  void Limpar();
+
+ private:
+  struct HashTexto {
+    using is_transparent = void;
+    size_t operator()(std::u16string_view t) const { return std::hash<std::u16string_view>{}(t); }
+  };
+  using MapaTextos = std::unordered_map<Texto, PedacosTexto, HashTexto, std::equal_to<>>;
+
+  const PedacosTexto& DoTexto(std::u16string_view texto, TipoDivisao tipo);
+
+  std::unique_ptr<PedacosTexto[]> slots_;  // kSlots * kCampos, allocated on first use
+  std::array<MapaTextos, kTiposDivisao> textos_;
+  std::array<FiltroPreparado, kFiltros> filtros_;
+  size_t ultimoFiltro_ = 0;
+  size_t proximoFiltro_ = 0;
+};
+
+}  // namespace lumavox

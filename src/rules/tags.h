@@ -1,0 +1,47 @@
+// Tag access by field filter ("Genero:Rock;Pop") and the piecewise comparison of multi-valued
+// tags (artists split by "feat", "&", ...; other fields by ";"). The odd corners are the
+// station's own and are kept: the last colon splits a filter, "Title" is tested twice so field
+// 3 cannot be named, and a one-character value or trailing piece is never compared.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "base/texto.h"
+#include "engine/estado.h"
+
+namespace lumavox {
+
+constexpr int16_t kCampoDesconhecido = 99;
+
+// Field index of the filter's name part (before the last ':'), 99 when unknown or without ':'.
+int16_t IndiceCampo(std::u16string_view filtro);
+// The value part of the filter (after the last ':'), empty without ':'.
+Texto ValorDoFiltro(std::u16string_view filtro);
+// Whether the text ends with "Geral*", case included.
+bool TerminaComGeral(std::u16string_view texto);
+
+// Whether a piece of the song's tag equals a piece of the filter's value list. A value of
+// "Geral*" or an empty filter accepts every song; an unknown field rejects every song.
+bool ConferirTag(Estado& e, std::u16string_view filtro, long slot);
+// The same filter test made with CompararArtistas (whole-value match, "POP" pieces skipped).
+bool ConferirTagArtista(Estado& e, std::u16string_view filtro, long slot);
+// Whether `pedaco` equals one of the pieces of `lista` split as field `campo` splits.
+bool ConferirPedaco(std::u16string_view pedaco, std::u16string_view lista, int16_t campo);
+
+// Whether two values share a piece, under selecao.ModoComparacaoArtista: 0 = one piece of `a`
+// found in `b` suffices, 1 = every piece must be found, above 1 always True, below 0 always
+// False. Two empty values never match; equal values (ignoring case) always do. Non-trailing
+// pieces of `a` that read "POP" are skipped.
+bool CompararArtistas(Estado& e, std::u16string_view a, std::u16string_view b, int16_t campo);
+bool CompararArtistasSemExcecao(Estado& e, std::u16string_view a, std::u16string_view b,
+                                int16_t campo);
+
+// CompararArtistas of AcervoTags(slotA, campo) and AcervoTags(slotB, campo), for loops over the
+// collection. Slots outside 0..4000 and fields outside 0..32 raise ForaDoIntervalo.
+bool CompararArtistasSlots(Estado& e, long slotA, long slotB, int16_t campo);
+// Whether two songs share a value of the field: False for slots from 4000 on, for field 99 and
+// for two empty values; otherwise CompararArtistasSlots.
+bool MesmoValorTag(Estado& e, int16_t campo, long slotA, long slotB);
+
+}  // namespace lumavox

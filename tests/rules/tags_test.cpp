@@ -1,0 +1,192 @@
+#include "rules/tags.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "base/erro.h"
+
+using namespace lumavox;
+
+namespace {
+
+constexpr int16_t kArtista = 0, kGenero = 5, kNota = 8, kTipo = 10, kVibe = 32;
+
+class Tags : public ::testing::Test {
+ protected:
+  std::unique_ptr<Estado> e = std::make_unique<Estado>();
+
+  void Tag(long slot, int16_t campo, std::u16string_view valor) {
+    e->acervo.AcervoTags(slot, campo) = Texto(valor);
+    if (slot >= e->acervo.TotalMusicas) e->acervo.TotalMusicas = static_cast<int16_t>(slot + 1);
+  }
+  bool Confere(std::u16string_view filtro, int16_t campo, std::u16string_view tag) {
+    Tag(0, campo, tag);
+    return ConferirTag(*e, filtro, 0);
+  }
+  bool Artistas(std::u16string_view a, std::u16string_view b, int16_t campo = kArtista) {
+    return CompararArtistas(*e, a, b, campo);
+  }
+};
+
+TEST(FiltroDeTag, NomeValorEGeral) {
+  EXPECT_EQ(IndiceCampo(u"Artista:Ana"), 0);
+  EXPECT_EQ(IndiceCampo(u"Title:X"), 2);  // field 3 cannot be named
+  EXPECT_EQ(IndiceCampo(u"Vibe:5"), 32);
+  EXPECT_EQ(IndiceCampo(u"Faixa Etária:10"), 23);
+  EXPECT_EQ(IndiceCampo(u"Faixa Etária:10:20"), kCampoDesconhecido);
+  EXPECT_EQ(ValorDoFiltro(u"Faixa Etária:10:20"), u"20");
+  EXPECT_EQ(IndiceCampo(u"genero:Rock"), kCampoDesconhecido);  // names compare exactly
+  EXPECT_EQ(IndiceCampo(u"Genero"), kCampoDesconhecido);
+  EXPECT_EQ(IndiceCampo(u":Rock"), kCampoDesconhecido);
+  EXPECT_EQ(IndiceCampo(u""), kCampoDesconhecido);
+  EXPECT_EQ(ValorDoFiltro(u"Genero"), u"");
+  EXPECT_EQ(ValorDoFiltro(u"Genero:"), u"");
+  EXPECT_TRUE(TerminaComGeral(u"Genero:Geral*"));
+  EXPECT_TRUE(TerminaComGeral(u"Geral*"));
+  EXPECT_FALSE(TerminaComGeral(u"Genero:geral*"));
+  EXPECT_FALSE(TerminaComGeral(u"eral*"));
+}
+
+TEST_F(Tags, ConferirTagTextos) {
+  EXPECT_TRUE(Confere(u"Genero:Rock", kGenero, u"ROCK"));
+  EXPECT_TRUE(Confere(u"Genero:Rock", kGenero, u"Pop;Rock"));
+  EXPECT_TRUE(Confere(u"Genero:Rock", kGenero, u"Rock;"));
+  EXPECT_FALSE(Confere(u"Genero: Rock", kGenero, u"Rock"));
+  EXPECT_FALSE(Confere(u"Genero:Rock", kGenero, u" Rock"));  // never trimmed
+  EXPECT_TRUE(Confere(u"Genero:Rock;Pop", kGenero, u"Pop"));
+  EXPECT_FALSE(Confere(u"Genero:Rock;Pop", kGenero, u"Jazz"));
+  EXPECT_FALSE(Confere(u"Genero:", kGenero, u"Jazz"));
+  EXPECT_TRUE(Confere(u"Genero:Ópera", kGenero, u"óPERA"));
+  // One-character tags and trailing pieces are never compared, on either side.
+  EXPECT_FALSE(Confere(u"Nota:5", kNota, u"5"));
+  EXPECT_TRUE(Confere(u"Nota:10", kNota, u"10"));
+  EXPECT_FALSE(Confere(u"Tipo:Rock;A", kTipo, u"A"));
+  EXPECT_TRUE(Confere(u"Tipo:A;Rock", kTipo, u"A;"));
+  EXPECT_FALSE(Confere(u"Genero:", kGenero, u""));
+}
+
+TEST_F(Tags, ConferirTagVibeArtistaEFiltrosEspeciais) {
+  EXPECT_TRUE(Confere(u"Vibe:10", kVibe, u"10,5"));
+  EXPECT_TRUE(Confere(u"Vibe:10", kVibe, u"9,5"));
+  EXPECT_FALSE(Confere(u"Vibe:10", kVibe, u"10,6"));
+  EXPECT_FALSE(Confere(u"Vibe:6", kVibe, u"6,4"));
+  EXPECT_FALSE(Confere(u"Vibe:7,5", kVibe, u"7"));
+  EXPECT_TRUE(Confere(u"Vibe:7,5", kVibe, u"7;"));
+  EXPECT_TRUE(Confere(u"Artista:Ana", kArtista, u"Ana feat Bia"));
+  EXPECT_TRUE(Confere(u"Artista:Ana", kArtista, u"Bia & Ana"));
+  EXPECT_TRUE(Confere(u"Artista:bia", kArtista, u"Ana FEAT. Bia"));
+  EXPECT_FALSE(Confere(u"Artista:Ana", kArtista, u"Ana, Bia"));
+  EXPECT_FALSE(Confere(u"Artista:Ana", kArtista, u"Ana;Bia"));
+  EXPECT_TRUE(Confere(u"Artista:Ana;Bia", kArtista, u"Ana;Bia"));  // ";" is no artist separator
+  EXPECT_TRUE(Confere(u"Genero:Geral*", kGenero, u""));
+  EXPECT_TRUE(ConferirTag(*e, u"", 0));
+  EXPECT_FALSE(Confere(u"Cor:Azul", kGenero, u"Azul"));
+  EXPECT_FALSE(ConferirTagArtista(*e, u"Cor:Azul", 0));
+  // Accepting and rejecting filters never read the tag, so the slot is not checked.
+  EXPECT_TRUE(ConferirTag(*e, u"Genero:Geral*", 9000));
+  EXPECT_FALSE(ConferirTag(*e, u"Cor:Azul", 9000));
+  EXPECT_THROW(ConferirTag(*e, u"Genero:Rock", 4001), ErroExecucao);
+  // The artist form compares whole values first, so one-character values can match there.
+  Tag(0, kNota, u"5");
+  EXPECT_TRUE(ConferirTagArtista(*e, u"Nota:5", 0));
+}
+
+TEST(ConferirPedacoTeste, ListasECampos) {
+  EXPECT_TRUE(ConferirPedaco(u"rock", u"Pop;ROCK", kGenero));
+  EXPECT_FALSE(ConferirPedaco(u"Rock", u"Rock;Pop", kArtista));
+  EXPECT_TRUE(ConferirPedaco(u"Bia", u"Ana com Bia", kArtista));
+  EXPECT_FALSE(ConferirPedaco(u"R", u"R", kGenero));
+  EXPECT_TRUE(ConferirPedaco(u"", u";x", kGenero));  // the empty first piece is compared
+  EXPECT_TRUE(ConferirPedaco(u"5", u"5,5", kVibe));
+  EXPECT_FALSE(ConferirPedaco(u"abc", u"1,5", kVibe));  // text counts as 0
+}
+
+TEST_F(Tags, CompararArtistasPedacos) {
+  EXPECT_TRUE(Artistas(u"Ana feat Bia", u"Bia"));
+  EXPECT_TRUE(Artistas(u"Ana Feat Bia", u"bia"));
+  EXPECT_TRUE(Artistas(u"Ana feat. Bia", u"Bia"));
+  EXPECT_TRUE(Artistas(u"Ana featuring Bia vs. Caio", u"Caio & Duda"));
+  EXPECT_FALSE(Artistas(u"Ana,Bia", u"Bia"));
+  EXPECT_FALSE(Artistas(u"Ana & B", u"B"));
+  EXPECT_FALSE(Artistas(u"", u""));
+  EXPECT_FALSE(Artistas(u"", u"Ana"));
+  EXPECT_TRUE(Artistas(u"A", u"a"));  // whole-value test
+  // A separator is taken at its position only when nothing of it is reused.
+  EXPECT_FALSE(Artistas(u"Ana & & Bia", u"Bia"));
+  EXPECT_TRUE(Artistas(u"Ana & & Bia", u"& Bia"));
+}
+
+TEST_F(Tags, CompararArtistasPopEModos) {
+  EXPECT_FALSE(Artistas(u"Pop;Rock", u"Pop;Jazz", kGenero));
+  EXPECT_TRUE(CompararArtistasSemExcecao(*e, u"Pop;Rock", u"Pop;Jazz", kGenero));
+  EXPECT_TRUE(Artistas(u"Rock;Pop", u"Jazz;Pop", kGenero));  // trailing Pop is compared
+  EXPECT_TRUE(Artistas(u"Pop", u"Pop", kGenero));
+  EXPECT_FALSE(Artistas(u"pop;Rock", u"pop;Jazz", kGenero));
+
+  e->selecao.ModoComparacaoArtista = 1;
+  EXPECT_TRUE(Artistas(u"Ana feat Bia", u"Bia & Ana"));
+  EXPECT_FALSE(Artistas(u"Ana feat Bia", u"Bia"));
+  EXPECT_TRUE(Artistas(u"Pop;Rock", u"Rock;Jazz", kGenero));  // the skipped Pop cannot miss
+  EXPECT_TRUE(Artistas(u"X", u"Y"));                          // no pieces, nothing missed
+
+  e->selecao.ModoComparacaoArtista = 2;
+  EXPECT_TRUE(Artistas(u"Ana", u"Bia"));
+  EXPECT_FALSE(Artistas(u"", u""));
+  e->selecao.ModoComparacaoArtista = -1;
+  EXPECT_FALSE(Artistas(u"Ana feat Bia", u"Bia"));
+  EXPECT_TRUE(Artistas(u"Ana", u"ANA"));
+}
+
+TEST_F(Tags, MesmoValorTagESlots) {
+  Tag(1, kGenero, u"Rock");
+  Tag(2, kGenero, u"ROCK");
+  Tag(3, kGenero, u"Jazz;Rock");
+  Tag(6, kGenero, u"Jazz");
+  EXPECT_TRUE(MesmoValorTag(*e, kGenero, 1, 2));
+  EXPECT_TRUE(MesmoValorTag(*e, kGenero, 3, 1));
+  EXPECT_TRUE(MesmoValorTag(*e, kGenero, 1, 3));
+  EXPECT_FALSE(MesmoValorTag(*e, kGenero, 6, 1));
+  EXPECT_FALSE(MesmoValorTag(*e, kGenero, 4, 5));  // both empty
+  Tag(4000, kGenero, u"Rock");
+  EXPECT_FALSE(MesmoValorTag(*e, kGenero, 1, 4000));
+  EXPECT_TRUE(CompararArtistasSlots(*e, 1, 4000, kGenero));
+  EXPECT_FALSE(MesmoValorTag(*e, kCampoDesconhecido, 1, 2));
+  EXPECT_THROW(MesmoValorTag(*e, kGenero, -1, 2), ErroExecucao);
+  EXPECT_THROW(CompararArtistasSlots(*e, 1, 4001, kGenero), ErroExecucao);
+  EXPECT_THROW(CompararArtistasSlots(*e, 1, 2, 33), ErroExecucao);
+}
+
+// Tags rewritten in place must never be answered from an earlier prepared form: after every
+// slot's text changes, the results agree with an engine that only ever saw the new texts.
+TEST_F(Tags, CacheAcompanhaTagsReescritas) {
+  const std::u16string_view textos[] = {u"Ana feat Bia", u"Bia", u"Caio & Ana", u"Pop;Rock",
+                                        u"Rock",         u"",    u"BIA",        u"Ana e Bia;Rock"};
+  for (int16_t campo : {kArtista, kGenero}) {
+    const std::u16string_view filtro = campo == kArtista ? u"Artista:Bia" : u"Genero:Rock";
+    for (long i = 0; i < 8; ++i) Tag(i, campo, textos[i]);
+    for (long i = 0; i < 8; ++i) {
+      ConferirTag(*e, filtro, i);
+      CompararArtistasSlots(*e, i, (i + 1) % 8, campo);
+    }
+    auto novo = std::make_unique<Estado>();
+    for (long i = 0; i < 8; ++i) {
+      Tag(i, campo, textos[(i + 3) % 8]);
+      novo->acervo.AcervoTags(i, campo) = Texto(textos[(i + 3) % 8]);
+    }
+    for (long a = 0; a < 8; ++a) {
+      EXPECT_EQ(ConferirTag(*e, filtro, a), ConferirTag(*novo, filtro, a)) << a;
+      for (long b = 0; b < 8; ++b) {
+        EXPECT_EQ(CompararArtistasSlots(*e, a, b, campo),
+                  CompararArtistas(*novo, textos[(a + 3) % 8], textos[(b + 3) % 8], campo))
+            << a << " " << b;
+      }
+    }
+  }
+  Tag(0, kGenero, u"Rock");
+  EXPECT_TRUE(ConferirTag(*e, u"Genero:Rock", 0));
+  Tag(0, kGenero, u"Punk");  // same length: only the text itself tells the change
+  EXPECT_FALSE(ConferirTag(*e, u"Genero:Rock", 0));
+}
+
+}  // namespace
