@@ -2,6 +2,7 @@
 // resizing or corrupting memory: the engine's arrays never grow.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <string>
 #include <vector>

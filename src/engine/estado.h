@@ -5,9 +5,12 @@
 
 #include <cstdint>
 
+#include "base/ambiente.h"
 #include "base/datas.h"
 #include "base/vetor.h"
 #include "engine/catalogo.h"
+#include "engine/log.h"
+#include "engine/painel.h"
 #include "rules/pedacos.h"
 #include "stores/acervo.h"
 #include "stores/historico.h"
@@ -40,6 +43,18 @@ struct Selecao {
   bool NaoRealizada = false;     // the rule's number has no procedure
 };
 
+// What the selection run keeps between calls.
+struct Execucao {
+  int16_t NivelAtual = 0;       // last level read from ritmo.rer
+  int16_t NivelMudou = 0;       // 1 when the level changed since the queue was filled
+  int16_t CliqueAvancar = 0;    // value read from avancar.rer (0 = no advance pending)
+  int16_t ContagemAvancos = 0;  // advance files consumed
+  int16_t Tentativas = 0;       // attempts at reading ritmo.rer in this call
+  int16_t Iniciado = 0;         // 1 once the first call has finished
+  int32_t MusicaForcada = 0;    // code to choose next whatever the draw (the window's request)
+  int64_t ContadorSaida = 0;    // numbers the .mrt and .lre files of each choice
+};
+
 struct Estado {
   Acervo acervo;
   TabelaPlaylists playlists;
@@ -47,8 +62,14 @@ struct Estado {
   TabelasAgenda agenda;
   Historico historico;
   Selecao selecao;
+  Execucao execucao;
   // Prepared tag texts for the tag comparisons; always checked against AcervoTags.
   CacheTags cacheTags;
+  LogRegras log;
+
+  // The machine the engine runs on (clock, random source) and whoever shows it; set by Motor.
+  Ambiente* ambiente = nullptr;
+  Painel* painel = nullptr;
 
   bool ModoDebug = false;
   int16_t ContagemRecarga = 0;

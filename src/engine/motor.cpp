@@ -10,7 +10,9 @@
 namespace lumavox {
 
 Motor::Motor(fs::path caminhoApp, Ambiente& ambiente)
-    : caminhoApp_(std::move(caminhoApp)), ambiente_(ambiente) {}
+    : caminhoApp_(std::move(caminhoApp)), ambiente_(ambiente) {
+  estado_.ambiente = &ambiente_;
+}
 
 bool Motor::DetectarModoDebug() {
   estado_.ModoDebug = ArquivoExiste(caminhoApp_ / "debug.red");
@@ -53,7 +55,7 @@ void Motor::DefinirAcervo(int32_t CodAcervo, int16_t CarregarLogs) {
   Acervo& acervo = estado_.acervo;
   acervo.CaminhoApp = caminhoApp_;
   acervo.PastaDados = estado_.playlists.Playlists[estado_.playlists.PlaylistAtual];
-  if (painel_) painel_->MostrarPlaylist(acervo.PastaDados);
+  if (estado_.painel) estado_.painel->MostrarPlaylist(acervo.PastaDados);
 
   if (estado_.ModoDebug) EscreverDebug(u"Preparando a carregar tags");
   CarregarColecao(acervo, acervo.PastaDados, [this](long slot) {

@@ -10,6 +10,7 @@
 
 #include "base/ambiente.h"
 #include "engine/estado.h"
+#include "engine/execucao.h"
 
 namespace lumavox {
 
@@ -22,13 +23,6 @@ class OrigemHistorico {
   virtual void CarregarMusicasTocadas(Estado& estado) = 0;
 };
 
-// What the engine tells whoever shows it (the window, or nobody).
-class Painel {
- public:
-  virtual ~Painel() = default;
-  virtual void MostrarPlaylist(const fs::path& /*pastaDados*/) {}
-};
-
 class Motor {
  public:
   Motor(fs::path caminhoApp, Ambiente& ambiente);
@@ -39,7 +33,7 @@ class Motor {
   const fs::path& CaminhoApp() const { return caminhoApp_; }
 
   void DefinirOrigemHistorico(std::unique_ptr<OrigemHistorico> origem) { historico_ = std::move(origem); }
-  void DefinirPainel(Painel* painel) { painel_ = painel; }
+  void DefinirPainel(Painel* painel) { estado_.painel = painel; }
 
   // Debug mode: on when "debug.red" exists in the application folder.
   bool DetectarModoDebug();
@@ -55,15 +49,22 @@ class Motor {
   void EscreverDebug(std::u16string_view texto);
   void CarregarMusicasTocadas();
 
+  // One call of the selection run: reads the level and the advance click, chooses songs until
+  // the queue holds two, and hands each over through temp/ and list/.
+  ResultadoExecucao TestarRegras();
+
   // Cause of the last error the start-up absorbed, if any.
   const std::optional<std::string>& UltimoErro() const { return ultimoErro_; }
 
  private:
+  void LerNivel();
+  void LerAvanco();
+  long Sortear();
+
   fs::path caminhoApp_;
   Ambiente& ambiente_;
   Estado estado_;
   std::unique_ptr<OrigemHistorico> historico_;
-  Painel* painel_ = nullptr;
   std::optional<std::string> ultimoErro_;
 };
 

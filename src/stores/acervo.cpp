@@ -26,6 +26,7 @@ std::string NomeArquivoMusica(int32_t codigo) { return FormatarZeros(codigo, 7) 
 void CarregarColecao(Acervo& acervo, const fs::path& pasta,
                      const std::function<void(long slot)>& aposLinha) {
   const fs::path pastaMre = acervo.CaminhoApp / "mre";
+  acervo.CodigosAlterados();
   long s = 0;
   int k = 0;
   ParaCadaLinhaCodificada(pasta / "lxdb.rdb", [&](Texto&& texto) {

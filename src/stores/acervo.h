@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <functional>
 #include <string_view>
+#include <unordered_map>
 
 #include "base/texto.h"
 #include "base/vetor.h"
@@ -26,8 +27,20 @@ constexpr long kCampoRitmo = 24;
 // Field names in file order; field 3 has none (no filter can name it).
 extern const std::array<std::u16string_view, kCampos> kNomesCampos;
 
+// First slot of each code over all 4001 slots, stale ones included; rebuilt on demand when the
+// codes changed (VersaoCodigos moved on).
+struct IndiceCodigos {
+  uint64_t versao = ~0ull;
+  std::unordered_map<int32_t, int16_t> primeiroSlot;
+};
+
 struct Acervo {
   Vetor<int32_t, 0, kUltimoSlot> AcervoCodigos;
+  // Moves on whenever AcervoCodigos is written (the load does it; code that writes codes by hand
+  // calls CodigosAlterados) so the code index knows to rebuild.
+  uint64_t VersaoCodigos = 0;
+  void CodigosAlterados() { ++VersaoCodigos; }
+  IndiceCodigos indiceCodigos;
   // Fields 0..31 as read; field 32 holds the vibe as text ("5,5"), its number in AcervoVibe.
   Matriz<Texto, kTotalSlots, kCampos> AcervoTags;
   Vetor<double, 0, kUltimoSlot> AcervoVibe;

@@ -1,0 +1,132 @@
+#include "engine/log.h"
+
+#include "base/numeros.h"
+#include "engine/estado.h"
+
+namespace lumavox {
+
+namespace {
+
+Texto Num(long long n) { return DeUtf8(std::to_string(n)); }
+std::string Chave(const char* prefixo, long long a) { return prefixo + std::to_string(a); }
+
+const char16_t* Rotulo(TipoLog tipo) {
+  switch (tipo) {
+    case TipoLog::Negada: return u"REGRA NEGADA: ";
+    case TipoLog::NaoRealizada: return u"REGRA SCRIPT NÃO REALIZADO: ";
+    case TipoLog::Erro: return u"REGRA COM ERRO: ";
+    default: return u" -> REGRA: ";
+  }
+}
+
+NoLog Entrada(DataHora momento, std::string chave, Texto texto, TipoLog tipo) {
+  NoLog no;
+  no.chave = std::move(chave);
+  no.texto = std::move(texto);
+  no.tipo = tipo;
+  no.momento = momento;
+  return no;
+}
+
+DataHora Agora(const Estado& e) { return e.ambiente ? e.ambiente->Agora() : DataHora{}; }
+
+NoLog& Pai(Estado& e) {
+  // Entries written before any selection started still need a parent to hang from.
+  if (!e.log.Atual()) e.log.NovaSelecao(Entrada(Agora(e), Chave("P", e.selecao.MusicasEscolhidas), u"", TipoLog::Inicio));
+  return *e.log.Atual();
+}
+
+}  // namespace
+
+void LogRegras::NovaSelecao(NoLog no) {
+  // A selection that never reached its choice leaves its counter unused; the next one takes
+  // its key and its place.
+  if (!selecoes_.empty() && selecoes_.back().chave == no.chave) selecoes_.pop_back();
+  selecoes_.push_back(std::move(no));
+  while (selecoes_.size() > kSelecoesGuardadas) selecoes_.pop_front();
+}
+
+Texto MontarDescricao(const Estado& e) {
+  const RegrasCatalogo& r = e.catalogo.RegraAtual;
+  const Texto& d = r.Descricao;
+  Texto saida;
+  saida.reserve(d.size() + 32);
+  for (size_t i = 0; i < d.size();) {
+    if (d.compare(i, 3, u"X10") == 0) {
+      const Texto& v = r.Valor(10);
+      saida += v.empty() ? Texto(u"X10") : v;
+      i += 3;
+    } else if (d[i] == u'X' && i + 1 < d.size() && d[i + 1] >= u'1' && d[i + 1] <= u'9') {
+      const Texto& v = r.Valor(d[i + 1] - u'0');
+      saida += v.empty() ? d.substr(i, 2) : v;
+      i += 2;
+    } else {
+      saida.push_back(d[i]);
+      ++i;
+    }
+  }
+  return saida;
+}
+
+void RegistrarLog(Estado& e, TipoLog tipo, int32_t valor, int16_t contagem, const std::string& erro) {
+  const Selecao& s = e.selecao;
+  const Acervo& a = e.acervo;
+  const long long n = s.MusicasEscolhidas;
+  const DataHora agora = Agora(e);
+  switch (tipo) {
+    case TipoLog::Inicio: {
+      Texto texto = u"NOVA SELEÇÃO " + Num(n) + u" - " + DeUtf8(FormatarIso(s.DataHoraReferencia)) +
+                    u" - NIVEL " + Num(s.NivelRitmo);
+      e.log.NovaSelecao(Entrada(agora, Chave("P", n), std::move(texto), tipo));
+      return;
+    }
+    case TipoLog::Restantes: {
+      const long restantes = a.TotalMusicas - s.MusicasExcluidas;
+      NoLog no = Entrada(agora, Chave("M", n), u"MUSICAS RESTANTES: " + Num(restantes) + u" / " + Num(a.TotalMusicas), tipo);
+      for (long i = 0; i <= kUltimoSlot; ++i) {
+        // Up to TotalMusicas inclusive: the same slots the draw walks.
+        if (i > a.TotalMusicas) break;
+        if (!s.MusicaCandidata.SemVerificar(i)) continue;
+        NoLog musica = Entrada(agora, "MR" + std::to_string(n) + "_" + std::to_string(i),
+                               DeUtf8(std::to_string(a.AcervoCodigos.SemVerificar(i))), tipo);
+        musica.codigo = a.AcervoCodigos.SemVerificar(i);
+        musica.slot = i;
+        no.filhos.push_back(std::move(musica));
+      }
+      Pai(e).filhos.push_back(std::move(no));
+      return;
+    }
+    case TipoLog::Escolhida: {
+      NoLog no = Entrada(agora, Chave("E", n), Num(n) + u" / " + Num(a.TotalMusicas - s.MusicasExcluidas) + u" -> " + Num(valor), tipo);
+      no.codigo = valor;
+      Pai(e).filhos.push_back(std::move(no));
+      return;
+    }
+    default: break;
+  }
+
+  // Rule entries.
+  const RegrasCatalogo& r = e.catalogo.RegraAtual;
+  const std::string sufixo = std::to_string(n) + "_" + std::to_string(s.RegraNumero);
+  // The marker between the number and the label is always empty.
+  Texto texto = Num(s.RegraNumero) + Texto() + Rotulo(tipo) + r.ID + u" - " + u" (" + Num(s.NivelRitmo) + u"," +
+                Num(contagem) + u"," + Num(a.TotalMusicas) + u") - " + MontarDescricao(e);
+  if (tipo == TipoLog::Erro) texto += u" - " + DeUtf8(erro);
+  NoLog no = Entrada(agora, "R" + sufixo, std::move(texto), tipo);
+  no.id = r.ID;
+  no.regraNumero = s.RegraNumero;
+  no.erro = erro;
+  if (tipo == TipoLog::Aplicada) {
+    for (long i = 0; i <= kUltimoSlot; ++i) {
+      if (s.MusicaMantida.SemVerificar(i) || !s.MusicaCandidata.SemVerificar(i)) continue;
+      NoLog musica = Entrada(agora, "n" + sufixo + "_" + std::to_string(i),
+                             DeUtf8(std::to_string(a.AcervoCodigos.SemVerificar(i))), tipo);
+      musica.codigo = a.AcervoCodigos.SemVerificar(i);
+      musica.slot = i;
+      no.filhos.push_back(std::move(musica));
+    }
+  }
+  Pai(e).filhos.push_back(std::move(no));
+}
+
+}  // namespace lumavox

@@ -1,0 +1,66 @@
+// The rule log as plain data: one subtree per selection ("P" + counter) with an entry per rule
+// applied, refused, not performed or ended by an error ("R"), the songs each rule removed ("n"),
+// the remaining songs ("M", "MR") and the chosen song ("E"). The window and the CLI render it.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/datas.h"
+#include "base/texto.h"
+
+namespace lumavox {
+
+struct Estado;
+
+enum class TipoLog : int16_t {
+  Aplicada = 0,      // " -> REGRA: "
+  Negada = 1,        // "REGRA NEGADA: "
+  Restantes = 2,     // "MUSICAS RESTANTES:"
+  Escolhida = 3,
+  NaoRealizada = 4,  // "REGRA SCRIPT NÃO REALIZADO: "
+  Inicio = 5,        // parent entry of a selection
+  Erro = 6,          // the rule raised an error and was ended without removals
+};
+
+struct NoLog {
+  std::string chave;
+  Texto texto;
+  TipoLog tipo = TipoLog::Inicio;
+  DataHora momento;
+  int32_t codigo = 0;       // song entries and the chosen-song entry
+  long slot = -1;           // song entries
+  Texto id;                 // rule entries
+  int16_t regraNumero = 0;  // rule entries
+  std::string erro;         // error entries: the cause
+  std::vector<NoLog> filhos;
+};
+
+class LogRegras {
+ public:
+  // Only the latest selections are kept, so a station running for months holds a bounded log.
+  static constexpr size_t kSelecoesGuardadas = 50;
+
+  const std::deque<NoLog>& Selecoes() const { return selecoes_; }
+  NoLog* Atual() { return selecoes_.empty() ? nullptr : &selecoes_.back(); }
+  void NovaSelecao(NoLog no);
+  void Limpar() { selecoes_.clear(); }
+
+ private:
+  std::deque<NoLog> selecoes_;
+};
+
+// The rule's description with "X1".."X10" replaced by the values of RegraAtual's variables
+// ("X10" before "X1"); a placeholder whose value is empty stays as it is.
+Texto MontarDescricao(const Estado& e);
+
+// Adds one entry of the given kind to the log of the current selection. `valor` is the chosen
+// song's code for Escolhida; `contagem` the songs a rule would leave out (rule entries);
+// `erro` the cause of an Erro entry.
+void RegistrarLog(Estado& e, TipoLog tipo, int32_t valor = 0, int16_t contagem = 0,
+                  const std::string& erro = {});
+
+}  // namespace lumavox

@@ -1,0 +1,81 @@
+#include "apoio/estado_teste.h"
+
+#include "base/numeros.h"
+
+namespace lumavox::teste {
+
+EstadoTeste::EstadoTeste(DataHora agora, uint32_t semente)
+    : ambiente_(agora, semente), estado_(std::make_unique<Estado>()) {
+  estado_->ambiente = &ambiente_;
+  estado_->selecao.DataHoraReferencia = agora;
+  estado_->selecao.NivelRitmo = 50;
+}
+
+EstadoTeste& EstadoTeste::Musica(int32_t codigo, std::initializer_list<std::pair<int, std::string>> tags) {
+  Acervo& a = estado_->acervo;
+  const long s = a.TotalMusicas;
+  a.AcervoCodigos[s] = codigo;
+  a.CodigosAlterados();
+  for (long c = 0; c < kCampoVibe; ++c) a.AcervoTags(s, c).clear();
+  for (const auto& [campo, valor] : tags) a.AcervoTags(s, campo) = DeUtf8(valor);
+  a.AcervoVibe[s] = CalcularVibe(a, s);
+  a.AcervoTags(s, kCampoVibe) = FormatarNumero(a.AcervoVibe[s]);
+  ++a.TotalMusicas;
+  return *this;
+}
+
+EstadoTeste& EstadoTeste::Tocadas(std::initializer_list<int32_t> codigos) {
+  Historico& h = estado_->historico;
+  const DataHora agora = estado_->selecao.DataHoraReferencia;
+  long n = static_cast<long>(codigos.size());
+  for (int32_t c : codigos) {
+    h.HistoricoCodigos[h.TotalTocadas] = c;
+    h.HistoricoDatas[h.TotalTocadas] = SomarSegundos(agora, -60 * n--);
+    ++h.TotalTocadas;
+  }
+  return *this;
+}
+
+EstadoTeste& EstadoTeste::TodasCandidatas() {
+  for (long i = 0; i < estado_->acervo.TotalMusicas; ++i) {
+    estado_->selecao.MusicaCandidata[i] = true;
+    estado_->selecao.MusicaMantida[i] = true;
+  }
+  return *this;
+}
+
+RegrasCatalogo& EstadoTeste::Regra(int conjunto, long indice, std::string id, std::vector<std::string> vars,
+                                   std::string descricao) {
+  RegrasCatalogo& r = estado_->catalogo.CatalogoRegras(conjunto, indice);
+  r = RegrasCatalogo{};
+  r.Ativo = true;
+  r.ID = DeUtf8(id);
+  r.Descricao = DeUtf8(descricao);
+  for (size_t k = 0; k < vars.size(); ++k) r.Var(static_cast<int>(k) + 1).Valor = DeUtf8(vars[k]);
+  return r;
+}
+
+EstadoTeste& EstadoTeste::RegraAtual(std::string id, std::vector<std::string> vars) {
+  RegrasCatalogo& r = estado_->catalogo.RegraAtual;
+  r = RegrasCatalogo{};
+  r.ID = DeUtf8(id);
+  for (size_t k = 0; k < vars.size(); ++k) r.Var(static_cast<int>(k) + 1).Valor = DeUtf8(vars[k]);
+  return *this;
+}
+
+std::vector<int32_t> EstadoTeste::Mantidas() {
+  std::vector<int32_t> codigos;
+  for (long i = 0; i < estado_->acervo.TotalMusicas; ++i)
+    if (estado_->selecao.MusicaCandidata[i] && estado_->selecao.MusicaMantida[i])
+      codigos.push_back(estado_->acervo.AcervoCodigos[i]);
+  return codigos;
+}
+
+std::vector<int32_t> EstadoTeste::Candidatas() {
+  std::vector<int32_t> codigos;
+  for (long i = 0; i < estado_->acervo.TotalMusicas; ++i)
+    if (estado_->selecao.MusicaCandidata[i]) codigos.push_back(estado_->acervo.AcervoCodigos[i]);
+  return codigos;
+}
+
+}  // namespace lumavox::teste

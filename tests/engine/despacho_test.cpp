@@ -1,0 +1,155 @@
+#include <gtest/gtest.h>
+
+#include "apoio/estado_teste.h"
+#include "base/erro.h"
+#include "engine/despacho.h"
+#include "engine/log.h"
+
+namespace lumavox {
+namespace {
+
+using teste::EstadoTeste;
+
+std::string Ajustar(EstadoTeste& t, int nivel, const std::string& valor) {
+  t->selecao.NivelRitmo = static_cast<int16_t>(nivel);
+  return ParaUtf8(AjustarValorVariavel(t.E(), DeUtf8(valor)));
+}
+
+TEST(AjustarValorVariavel, DeslizaComONivelNasDuasPontas) {
+  EstadoTeste t;
+  for (int nivel : {0, 17, 50, 83, 100}) EXPECT_EQ(Ajustar(t, nivel, "*10"), "10");
+  EXPECT_EQ(Ajustar(t, 50, "*0-35"), "0");
+  EXPECT_EQ(Ajustar(t, 0, "*0-35"), "35");
+  EXPECT_EQ(Ajustar(t, 34, "*0-35"), "1");
+  EXPECT_EQ(Ajustar(t, 100, "*0-35"), "35");
+  EXPECT_EQ(Ajustar(t, 17, "*2-8"), "5");
+  EXPECT_EQ(Ajustar(t, 83, "*2-8"), "5");
+  EXPECT_EQ(Ajustar(t, 36, "*2-8"), "2");
+  EXPECT_EQ(Ajustar(t, 64, "*2-8"), "2");
+  // Truncation toward zero on a falling slope: 8 + (-6*18)/35 = 8 - 3.
+  EXPECT_EQ(Ajustar(t, 17, "*8-2"), "5");
+  EXPECT_EQ(Ajustar(t, 0, "*8-2"), "2");
+  EXPECT_EQ(Ajustar(t, 0, "*-5"), "5");       // empty left part is 0
+  EXPECT_EQ(Ajustar(t, 0, "*3-5-7"), "7");    // the last "-" wins; "3-5" is not a number
+  EXPECT_EQ(Ajustar(t, 0, "*2,5-8"), "8");    // halves to even: 2
+  EXPECT_EQ(Ajustar(t, 50, "*2,5-8"), "2");
+  EXPECT_EQ(Ajustar(t, 0, "Genero:Rock"), "Genero:Rock");
+  EXPECT_EQ(Ajustar(t, 0, ""), "");
+  t->selecao.NivelRitmo = 0;
+  EXPECT_THROW(AjustarValorVariavel(t.E(), u"*-30000-30000"), ErroExecucao);
+}
+
+TEST(ConjuntoDoNivel, BordasDasFaixas) {
+  EXPECT_EQ(ConjuntoDoNivel(35), 1);
+  EXPECT_EQ(ConjuntoDoNivel(36), 0);
+  EXPECT_EQ(ConjuntoDoNivel(64), 0);
+  EXPECT_EQ(ConjuntoDoNivel(65), 2);
+}
+
+class AplicarRegraTeste : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    t.Musica(1, {{5, "Rock;"}}).Musica(2, {{5, "Pop;"}}).Musica(3, {{5, "Rock;Pop;"}}).TodasCandidatas();
+    t->selecao.MusicasEscolhidas = 4;
+    t->selecao.RegraNumero = 3;
+  }
+  const NoLog& UltimaEntrada() { return t->log.Atual()->filhos.back(); }
+  EstadoTeste t;
+};
+
+TEST_F(AplicarRegraTeste, AceitaRemoveELogaAntesDeRemover) {
+  t.Regra(0, 0, "01", {"Genero:Rock"}, "Começar com (X1) [(X2)DATA]");
+  EXPECT_TRUE(AplicarRegra(t.E(), true, 0, 50));
+  EXPECT_EQ(t.Candidatas(), (std::vector<int32_t>{1, 3}));
+  EXPECT_EQ(t->selecao.MusicasExcluidas, 1);
+  const NoLog& no = UltimaEntrada();
+  EXPECT_EQ(no.tipo, TipoLog::Aplicada);
+  EXPECT_EQ(no.chave, "R4_3");
+  EXPECT_EQ(ParaUtf8(no.texto), "3 -> REGRA: 01 -  (50,1,3) - Começar com (Genero:Rock) [(X2)DATA]");
+  ASSERT_EQ(no.filhos.size(), 1u);
+  EXPECT_EQ(no.filhos[0].chave, "n4_3_1");
+  EXPECT_EQ(no.filhos[0].codigo, 2);
+
+  // A song already out stays out, and a rule that removes nothing logs no children.
+  t.Regra(0, 1, "01", {"Genero:Pop"});
+  t->selecao.RegraNumero = 4;
+  EXPECT_TRUE(AplicarRegra(t.E(), true, 1, 50));
+  EXPECT_EQ(t.Candidatas(), (std::vector<int32_t>{3}));
+  t.Regra(0, 2, "35", {});
+  EXPECT_TRUE(AplicarRegra(t.E(), true, 2, 50));
+  EXPECT_EQ(UltimaEntrada().tipo, TipoLog::Aplicada);
+  EXPECT_TRUE(UltimaEntrada().filhos.empty());
+  EXPECT_EQ(t->selecao.MusicasExcluidas, 2);
+}
+
+TEST_F(AplicarRegraTeste, NegaQuandoNaoSobraNenhuma) {
+  t.Regra(1, 0, "01", {"Cor:Azul"});
+  EXPECT_FALSE(AplicarRegra(t.E(), true, 0, 35));  // level 35 reads set 1
+  EXPECT_EQ(t.Candidatas().size(), 3u);
+  EXPECT_EQ(UltimaEntrada().tipo, TipoLog::Negada);
+  EXPECT_NE(UltimaEntrada().texto.find(u"REGRA NEGADA: 01"), Texto::npos);
+}
+
+TEST_F(AplicarRegraTeste, NumerosSemProcedimentoESemCandidatas) {
+  t.Regra(2, 0, "15", {});
+  EXPECT_TRUE(AplicarRegra(t.E(), true, 0, 65));
+  EXPECT_EQ(UltimaEntrada().tipo, TipoLog::NaoRealizada);
+  EXPECT_NE(UltimaEntrada().texto.find(u"REGRA SCRIPT NÃO REALIZADO: 15"), Texto::npos);
+
+  for (long i = 0; i < 3; ++i) t->selecao.MusicaCandidata[i] = false;
+  EXPECT_FALSE(AplicarRegra(t.E(), true, 0, 65));
+  EXPECT_EQ(UltimaEntrada().tipo, TipoLog::NaoRealizada);
+  t.Regra(2, 1, "99", {});
+  EXPECT_FALSE(AplicarRegra(t.E(), true, 1, 65));
+  EXPECT_EQ(UltimaEntrada().tipo, TipoLog::Negada);
+  // The never-loaded script list applies an empty rule.
+  EXPECT_FALSE(AplicarRegra(t.E(), false, 0, 65));
+  EXPECT_TRUE(t->catalogo.RegraAtual.ID.empty());
+}
+
+TEST_F(AplicarRegraTeste, ErroNaRegraTerminaSoElaSemRemover) {
+  t.Regra(0, 0, "01", {"Genero:Rock", "não é data"});
+  EXPECT_FALSE(AplicarRegra(t.E(), true, 0, 50));
+  EXPECT_EQ(t.Candidatas().size(), 3u);
+  EXPECT_EQ(UltimaEntrada().tipo, TipoLog::Erro);
+  EXPECT_NE(UltimaEntrada().erro.find("Erro 13"), std::string::npos);
+  EXPECT_FALSE(AplicarRegra(t.E(), true, 256, 50));  // index past the set
+  EXPECT_NE(UltimaEntrada().erro.find("Erro 9"), std::string::npos);
+}
+
+TEST(MontarDescricao, X10AntesDeX1EPlaceholdersVaziosFicam) {
+  EstadoTeste t;
+  t.RegraAtual("12", {"3"});
+  t->catalogo.RegraAtual.Descricao = u"Maximo de (X1) musicas (X2) consecutivas [(X3)DATA / ENTRE (X4) E (X5)].";
+  EXPECT_EQ(MontarDescricao(t.E()), u"Maximo de (3) musicas (X2) consecutivas [(X3)DATA / ENTRE (X4) E (X5)].");
+  t->catalogo.RegraAtual.Var(10).Valor = u"7";
+  t->catalogo.RegraAtual.Descricao = u"(X10) e (X1)X";
+  EXPECT_EQ(MontarDescricao(t.E()), u"(7) e (3)X");
+}
+
+TEST(RegistrarLog, SubarvoreDaSelecaoComRestantesEEscolhida) {
+  EstadoTeste t;
+  t.Musica(10).Musica(20).Musica(30).TodasCandidatas();
+  t->selecao.MusicaCandidata[1] = false;
+  t->selecao.MusicasExcluidas = 1;
+  t->selecao.MusicasEscolhidas = 7;
+  RegistrarLog(t.E(), TipoLog::Inicio);
+  RegistrarLog(t.E(), TipoLog::Restantes);
+  RegistrarLog(t.E(), TipoLog::Escolhida, 30);
+  const NoLog& p = *t->log.Atual();
+  EXPECT_EQ(p.chave, "P7");
+  ASSERT_EQ(p.filhos.size(), 2u);
+  EXPECT_EQ(p.filhos[0].chave, "M7");
+  EXPECT_EQ(ParaUtf8(p.filhos[0].texto), "MUSICAS RESTANTES: 2 / 3");
+  ASSERT_EQ(p.filhos[0].filhos.size(), 2u);
+  EXPECT_EQ(p.filhos[0].filhos[1].chave, "MR7_2");
+  EXPECT_EQ(p.filhos[1].chave, "E7");
+  EXPECT_EQ(ParaUtf8(p.filhos[1].texto), "7 / 2 -> 30");
+  // A selection that never chose reuses its counter: its subtree is replaced, not doubled.
+  RegistrarLog(t.E(), TipoLog::Inicio);
+  EXPECT_EQ(t->log.Selecoes().size(), 1u);
+  EXPECT_TRUE(t->log.Atual()->filhos.empty());
+}
+
+}  // namespace
+}  // namespace lumavox
