@@ -22,6 +22,7 @@ int Executar(std::vector<std::string> argumentos, std::ostream& saida, std::ostr
   RegistrarRdb(app, ctx);
   RegistrarAcervo(app, ctx);
   RegistrarDemo(app, ctx);
+  RegistrarSelecao(app, ctx);
 
   // CLI11 reads the arguments from the back.
   std::reverse(argumentos.begin(), argumentos.end());
@@ -34,6 +35,8 @@ int Executar(std::vector<std::string> argumentos, std::ostream& saida, std::ostr
   }
   return ctx.codigoSaida;
 }
+
+void InstalarHistorico(Motor& /*motor*/) {}
 
 fs::path PastaDoExecutavel() {
   std::error_code ec;

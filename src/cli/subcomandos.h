@@ -8,6 +8,10 @@
 #include <ostream>
 #include <string>
 
+namespace lumavox {
+class Motor;
+}
+
 namespace lumavox::cli {
 
 namespace fs = std::filesystem;
@@ -25,5 +29,9 @@ bool PastaAppValida(Contexto& ctx, const fs::path& pasta);
 void RegistrarRdb(CLI::App& app, Contexto& ctx);
 void RegistrarAcervo(CLI::App& app, Contexto& ctx);
 void RegistrarDemo(CLI::App& app, Contexto& ctx);
+void RegistrarSelecao(CLI::App& app, Contexto& ctx);
+
+// Installs the station's log database as the engine's history source.
+void InstalarHistorico(Motor& motor);
 
 }  // namespace lumavox::cli

@@ -1,0 +1,220 @@
+// Motor::TestarRegras: watch the player's files, decide whether a song is needed, run the
+// active rules of the level's set, draw a survivor and hand it over.
+#include "engine/execucao.h"
+
+#include <cmath>
+
+#include "base/arquivos.h"
+#include "base/numeros.h"
+#include "engine/despacho.h"
+#include "engine/log.h"
+#include "engine/motor.h"
+#include "rules/candidatos.h"
+#include "stores/saida.h"
+
+namespace lumavox {
+
+namespace {
+
+// A call stops choosing after this many songs even if the queue still looks short, so an
+// unwritable list/ folder cannot keep one call choosing forever.
+constexpr int kMaximoSelecoesPorChamada = 8;
+constexpr int kMinimoMusicas = 51;
+constexpr int kEsperaEntregaMs = 800;
+constexpr int kEsperaAcervoPequenoMs = 60000;
+constexpr int64_t kMaiorContador = 999999;
+
+}  // namespace
+
+void ChecarMusicasTocadas(Historico& h) {
+  if (h.TotalTocadas < 3501) return;
+  for (long i = 0; i <= 1000; ++i) {
+    h.HistoricoCodigos[i - 500] = h.HistoricoCodigos[i + 2500];
+    h.HistoricoDatas[i - 500] = h.HistoricoDatas[i + 2500];
+  }
+  h.TotalTocadas = 501;
+}
+
+void Motor::LerNivel() {
+  Execucao& x = estado_.execucao;
+  while (x.Tentativas < 100) {
+    std::optional<Texto> linha = LerPrimeiraLinha(caminhoApp_ / "ritmo.rer");
+    if (!linha) {
+      ++x.Tentativas;
+      continue;
+    }
+    const double valor = ValorNumerico(*linha);
+    if (valor != x.NivelAtual) {
+      // A level too large for the counter keeps the old one, but still counts as a change.
+      try {
+        x.NivelAtual = ParaInteiro16(valor);
+      } catch (const ErroExecucao&) {
+      }
+      if (x.Iniciado) x.NivelMudou = 1;
+    }
+    return;
+  }
+}
+
+void Motor::LerAvanco() {
+  Execucao& x = estado_.execucao;
+  const fs::path arquivo = caminhoApp_ / "avancar.rer";
+  std::optional<Texto> linha = LerPrimeiraLinha(arquivo);
+  if (!linha) {
+    x.CliqueAvancar = 0;
+    return;
+  }
+  ++x.ContagemAvancos;
+  try {
+    x.CliqueAvancar = ParaInteiro16(ValorNumerico(*linha));
+  } catch (const ErroExecucao&) {
+  }
+  ApagarArquivo(arquivo);
+}
+
+ResultadoExecucao Motor::TestarRegras() {
+  Execucao& x = estado_.execucao;
+  Selecao& sel = estado_.selecao;
+  const fs::path pastaFila = caminhoApp_ / "list";
+  const fs::path pastaTemp = caminhoApp_ / "temp";
+  ResultadoExecucao resultado;
+
+  x.Tentativas = 0;
+  if (x.Iniciado == 0) {
+    ApagarArquivos(ListarArquivos(pastaFila, ".lre"));
+    ApagarArquivos(ListarArquivos(pastaTemp, ".mrt"));
+  }
+  ambiente_.SemearPeloRelogio();
+  sel.DataHoraReferencia = ambiente_.Agora();
+  x.CliqueAvancar = 0;
+  LerNivel();
+
+  auto Fila = [&] { return ListarArquivos(pastaFila, ".lre"); };
+  if (x.Iniciado && Fila().size() >= 2 && x.NivelMudou == 0 && x.CliqueAvancar == 0) {
+    return resultado;
+  }
+
+  while (resultado.selecoes.size() < kMaximoSelecoesPorChamada &&
+         (Fila().size() < 2 || x.NivelMudou == 1 || x.CliqueAvancar >= 1)) {
+    try {
+      VerificarPlaylist(0);
+    } catch (const std::exception& e) {
+      ultimoErro_ = std::string("VerificarPlaylist: ") + e.what();
+    }
+    if (estado_.acervo.TotalMusicas < kMinimoMusicas) {
+      // Too small a collection never gets a song; the next call looks again.
+      ambiente_.Esperar(kEsperaAcervoPequenoMs);
+      break;
+    }
+    if (x.NivelMudou != 1) LerNivel();
+    if (x.CliqueAvancar < 1) LerAvanco();
+    if (x.CliqueAvancar >= 1) {
+      ApagarArquivos(Fila());  // the queued choices are void after an advance
+      x.NivelMudou = 0;
+    }
+
+    RegistrarLog(estado_, TipoLog::Inicio);
+    sel.RegraNumero = 1;
+    if (estado_.painel) {
+      estado_.painel->MostrarContagemAvancos(x.ContagemAvancos);
+      estado_.painel->Ceder();
+    }
+
+    const long total = estado_.acervo.TotalMusicas;
+    sel.MusicasExcluidas = 0;
+    for (long i = 0; i < total; ++i) sel.MusicaCandidata[i] = true;
+    const int conjunto = ConjuntoDoNivel(x.NivelAtual);
+    sel.CliqueAtual = x.CliqueAvancar;
+    for (long r = 0; r < estado_.catalogo.QuantidadeRegras[static_cast<size_t>(conjunto)]; ++r) {
+      if (estado_.painel) estado_.painel->Ceder();
+      if (estado_.catalogo.CatalogoRegras(conjunto, r).Ativo) AplicarRegra(estado_, true, r, x.NivelAtual);
+      ++sel.RegraNumero;
+    }
+    RegistrarLog(estado_, TipoLog::Restantes);
+
+    const long escolhido = Sortear();
+    const Acervo& a = estado_.acervo;
+    const int32_t codigo = a.AcervoCodigos[escolhido];
+    const DataHora momento = sel.DataHoraReferencia;
+
+    SelecaoFeita feita;
+    feita.numero = static_cast<int>(resultado.selecoes.size()) + 1;
+    feita.nivel = x.NivelAtual;
+    feita.conjunto = conjunto;
+    feita.escolhida = codigo;
+    feita.slot = escolhido;
+    feita.chaveLog = "P" + std::to_string(sel.MusicasEscolhidas);
+
+    x.ContadorSaida = x.ContadorSaida >= kMaiorContador ? 1 : x.ContadorSaida + 1;
+    // The hand-over folders are made again if something removed them.
+    std::error_code ec;
+    fs::create_directories(pastaTemp, ec);
+    fs::create_directories(pastaFila, ec);
+    const std::string nomeTemp = NomeArquivoTemp(x.ContadorSaida);
+    if (GerarArquivoSaida(caminhoApp_ / "mre" / NomeArquivoMusica(codigo), x.ContadorSaida, caminhoApp_))
+      feita.mrt = "temp/" + nomeTemp;
+    ambiente_.Esperar(kEsperaEntregaMs);
+    const std::string nomeFila = NomeArquivoFila(x.ContadorSaida, codigo, x.NivelAtual);
+    if (EscreverFila(caminhoApp_, nomeFila, codigo)) feita.lre = "list/" + nomeFila;
+
+    if (sel.MusicasEscolhidas > 1) {
+      const double duracao = ValorNumerico(a.AcervoTags(escolhido, 17));
+      if (std::isfinite(duracao) && std::fabs(duracao) < 1e9)
+        sel.DataHoraReferencia = SomarSegundos(sel.DataHoraReferencia, static_cast<int64_t>(ArredondarPar(duracao)));
+    }
+    RegistrarLog(estado_, TipoLog::Escolhida, codigo);
+    ++sel.MusicasEscolhidas;
+
+    if (x.NivelMudou == 1) {
+      // The level changed while these songs were queued: the older queue entries and their
+      // media go, the song just chosen for the new level stays, and the loop fills the queue
+      // again at the new level.
+      for (const fs::path& antigo : Fila()) {
+        if (antigo.filename() == nomeFila) continue;
+        ApagarArquivo(antigo);
+        ApagarArquivo(pastaTemp / (antigo.filename().string().substr(0, 6) + ".mrt"));
+      }
+      x.NivelMudou = 0;
+    }
+
+    // The chosen song joins the history at the moment the rules took as now for it.
+    Historico& h = estado_.historico;
+    try {
+      h.HistoricoCodigos[h.TotalTocadas] = codigo;
+      h.HistoricoDatas[h.TotalTocadas] = momento;
+      ++h.TotalTocadas;
+    } catch (const ErroExecucao& e) {
+      ultimoErro_ = std::string("Histórico: ") + e.what();
+    }
+    ChecarMusicasTocadas(h);
+    x.CliqueAvancar = 0;
+    resultado.selecoes.push_back(std::move(feita));
+  }
+  x.Iniciado = 1;
+  return resultado;
+}
+
+long Motor::Sortear() {
+  const Selecao& sel = estado_.selecao;
+  Execucao& x = estado_.execucao;
+  const long total = estado_.acervo.TotalMusicas;
+  const float k = static_cast<float>(total - sel.MusicasExcluidas);
+  const float sorteado = ambiente_.Aleatorio();
+  const long n = static_cast<long>(std::floor(k * sorteado + 1.0f));
+  const long ultimo = UltimoSlotDosLacos(estado_);
+  long escolhido = 0;
+  long c = 1;
+  for (long i = 0; i <= ultimo; ++i) {
+    if (!sel.MusicaCandidata[i]) continue;
+    if (c == n) escolhido = i;
+    ++c;
+  }
+  if (x.MusicaForcada > 0) {
+    for (long i = 0; i <= ultimo; ++i)
+      if (estado_.acervo.AcervoCodigos[i] == x.MusicaForcada) escolhido = i;
+    x.MusicaForcada = 0;
+  }
+  return escolhido;
+}
+
+}  // namespace lumavox

@@ -1,0 +1,163 @@
+#include <gtest/gtest.h>
+
+#include "apoio/estacao.h"
+#include "base/numeros.h"
+#include "engine/despacho.h"
+#include "engine/motor.h"
+#include "stores/saida.h"
+
+namespace lumavox {
+namespace {
+
+using teste::EstacaoTeste;
+
+class ExecucaoTeste : public ::testing::Test {
+ protected:
+  // `musicas` songs with codes 1.., every third one a Rock song.
+  void Montar(int musicas, const std::string& nivel = "50") {
+    for (int c = 1; c <= musicas; ++c) estacao.Musica(c, {{"Genero", c % 3 == 0 ? "Rock;" : "Pop;"}, {"DuracaoSec", "180"}});
+    estacao.GravarAcervo();
+    estacao.GravarRegras();
+    estacao.GravarTexto("ritmo.rer", nivel + "\r\n");
+    motor = std::make_unique<Motor>(estacao.Pasta(), ambiente);
+    motor->Iniciar();
+  }
+  std::vector<std::string> Fila() {
+    std::vector<std::string> nomes;
+    for (const auto& p : ListarArquivos(estacao.Caminho("list"), ".lre")) nomes.push_back(p.filename().string());
+    return nomes;
+  }
+  EstacaoTeste estacao;
+  AmbienteFixo ambiente{MontarDataHora(2026, 11, 22, 10, 0, 0), 5};
+  std::unique_ptr<Motor> motor;
+};
+
+TEST_F(ExecucaoTeste, PrimeiraChamadaLimpaEEncheAFilaComDuasEntregas) {
+  estacao.GravarTexto("list/velho.lre", "1");
+  estacao.GravarTexto("temp/velho.mrt", "1");
+  estacao.GravarTexto("mre/0000003.mre", std::string("\x00\x01\xff\x80", 4));
+  estacao.Regra(0, true, "01", "", {"Genero:Rock"}).Regra(0, false, "12").Regra(0, true, "34", "", {"1", "Genero:Rock"});
+  Montar(60);
+
+  const ResultadoExecucao r = motor->TestarRegras();
+  ASSERT_EQ(r.selecoes.size(), 2u);
+  EXPECT_FALSE(estacao.Existe("list/velho.lre"));
+  EXPECT_FALSE(estacao.Existe("temp/velho.mrt"));
+  const SelecaoFeita& s1 = r.selecoes[0];
+  EXPECT_EQ(s1.escolhida % 3, 0);  // rule 01 kept only Rock for the first song
+  EXPECT_EQ(s1.lre, "list/000001_" + FormatarZeros(s1.escolhida, 7) + "_050.lre");
+  EXPECT_EQ(s1.mrt, "temp/000001.mrt");
+  EXPECT_EQ(estacao.Ler(*s1.lre).substr(0, std::to_string(s1.escolhida).size()), std::to_string(s1.escolhida));
+  EXPECT_NE(r.selecoes[1].escolhida % 3, 0);  // rule 34 keeps Rock away right after a Rock song
+  EXPECT_EQ(Fila().size(), 2u);
+  EXPECT_EQ(motor->E().historico.TotalTocadas, 2);
+  EXPECT_EQ(motor->E().historico.HistoricoCodigos[0], s1.escolhida);
+  EXPECT_EQ(ambiente.EsperadoMs(), 1600);
+
+  // The inactive rule is skipped but still counted.
+  const NoLog& regra34 = motor->E().log.Selecoes().front().filhos[1];
+  EXPECT_EQ(regra34.chave, "R0_3");
+
+  if (s1.escolhida == 3) {
+    EXPECT_EQ(estacao.Ler("temp/000001.mrt"), std::string("\xff\xfe\x00\x7f", 4));
+  }
+  // Full queue, no change: nothing to do. The player takes one: one more song.
+  EXPECT_TRUE(motor->TestarRegras().selecoes.empty());
+  fs::remove(estacao.Caminho("list") / Fila().front());
+  const ResultadoExecucao r2 = motor->TestarRegras();
+  ASSERT_EQ(r2.selecoes.size(), 1u);
+  EXPECT_EQ(r2.selecoes[0].lre->substr(0, 12), "list/000003_");
+}
+
+TEST_F(ExecucaoTeste, AvancoAnulaAFilaEMudancaDeNivelTrocaAsEntregasAntigas) {
+  Montar(60);
+  motor->TestarRegras();
+  const std::vector<std::string> antiga = Fila();
+
+  estacao.GravarTexto("avancar.rer", "1\r\n");
+  fs::remove(estacao.Caminho("list") / antiga[0]);
+  motor->TestarRegras();
+  EXPECT_FALSE(estacao.Existe("avancar.rer"));
+  EXPECT_EQ(motor->E().execucao.ContagemAvancos, 1);
+  std::vector<std::string> depois = Fila();
+  ASSERT_EQ(depois.size(), 2u);
+  EXPECT_EQ(std::count(depois.begin(), depois.end(), antiga[1]), 0);
+
+  estacao.GravarTexto("ritmo.rer", "80\r\n");
+  const ResultadoExecucao r = motor->TestarRegras();
+  ASSERT_EQ(r.selecoes.size(), 2u);
+  EXPECT_EQ(r.selecoes[0].conjunto, 2);
+  for (const std::string& nome : Fila()) EXPECT_EQ(nome.substr(15), "080.lre");
+  EXPECT_EQ(Fila().size(), 2u);
+  // The replaced entries' media went with them.
+  EXPECT_EQ(ListarArquivos(estacao.Caminho("temp"), ".mrt").size(), 4u);
+}
+
+TEST_F(ExecucaoTeste, CinquentaMusicasEsperamECinquentaEUmaEscolhem) {
+  Montar(50);
+  EXPECT_TRUE(motor->TestarRegras().selecoes.empty());
+  EXPECT_EQ(ambiente.EsperadoMs(), 60000);
+  EXPECT_TRUE(Fila().empty());
+
+  EstacaoTeste outra;
+  for (int c = 1; c <= 51; ++c) outra.Musica(c);
+  outra.GravarAcervo();
+  outra.GravarRegras();
+  Motor m(outra.Pasta(), ambiente);
+  m.Iniciar();
+  EXPECT_EQ(m.TestarRegras().selecoes.size(), 2u);
+}
+
+TEST_F(ExecucaoTeste, MusicaForcadaSoValeSeEstiverNoAcervo) {
+  Montar(60);
+  motor->E().execucao.MusicaForcada = 42;
+  EXPECT_EQ(motor->TestarRegras().selecoes[0].escolhida, 42);
+  EXPECT_EQ(motor->E().execucao.MusicaForcada, 0);
+
+  AmbienteFixo mesmo{MontarDataHora(2026, 11, 22, 10, 0, 0), 9}, outro{MontarDataHora(2026, 11, 22, 10, 0, 0), 9};
+  Motor a(estacao.Pasta(), mesmo), b(estacao.Pasta(), outro);
+  a.Iniciar();
+  b.Iniciar();
+  b.E().execucao.MusicaForcada = 9999;
+  EXPECT_EQ(a.TestarRegras().selecoes[0].escolhida, b.TestarRegras().selecoes[0].escolhida);
+  EXPECT_EQ(b.E().execucao.MusicaForcada, 0);
+}
+
+TEST_F(ExecucaoTeste, NivelEscolheOConjuntoNasBordas) {
+  Montar(60, "35");
+  EXPECT_EQ(motor->TestarRegras().selecoes[0].conjunto, 1);
+  for (auto [nivel, conjunto] : {std::pair{36, 0}, {64, 0}, {65, 2}}) {
+    estacao.GravarTexto("ritmo.rer", std::to_string(nivel));
+    const ResultadoExecucao r = motor->TestarRegras();
+    ASSERT_FALSE(r.selecoes.empty()) << nivel;
+    EXPECT_EQ(r.selecoes.back().conjunto, conjunto) << nivel;
+  }
+}
+
+TEST_F(ExecucaoTeste, PastaTempInutilizavelNaoImpedeAFila) {
+  Montar(60);
+  motor->TestarRegras();  // start-up run
+  fs::remove_all(estacao.Caminho("temp"));
+  estacao.GravarTexto("temp", "um arquivo no lugar da pasta");
+  fs::remove(estacao.Caminho("list") / Fila().front());
+  const ResultadoExecucao r = motor->TestarRegras();
+  ASSERT_EQ(r.selecoes.size(), 1u);
+  EXPECT_FALSE(r.selecoes[0].mrt.has_value());
+  EXPECT_TRUE(r.selecoes[0].lre.has_value());
+}
+
+TEST(ChecarMusicasTocadas, CompactaSoAcimaDe3500) {
+  auto h = std::make_unique<Historico>();
+  for (long i = 0; i < 3501; ++i) h->HistoricoCodigos[i] = static_cast<int32_t>(i + 1);
+  h->TotalTocadas = 3500;
+  ChecarMusicasTocadas(*h);
+  EXPECT_EQ(h->TotalTocadas, 3500);
+  h->TotalTocadas = 3501;
+  ChecarMusicasTocadas(*h);
+  EXPECT_EQ(h->TotalTocadas, 501);
+  EXPECT_EQ(h->HistoricoCodigos[-500], 2501);
+  EXPECT_EQ(h->HistoricoCodigos[500], 3501);
+}
+
+}  // namespace
+}  // namespace lumavox
