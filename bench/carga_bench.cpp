@@ -5,30 +5,16 @@
 #include <filesystem>
 
 #include "base/ambiente.h"
-#include "cli/demo.h"
+#include "estacao_cheia.h"
 #include "engine/motor.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-const fs::path& EstacaoCheia() {
-  static const fs::path pasta = [] {
-    fs::path p = fs::temp_directory_path() / "lumavox-bench-cheia";
-    lumavox::cli::OpcoesDemo op;
-    op.musicas = 4001;
-    op.regrasPorConjunto = 256;
-    op.bytesMre = 16;
-    op.playlistNoturna = false;
-    lumavox::cli::GerarEstacaoDemo(p, op);
-    return p;
-  }();
-  return pasta;
-}
-
 void BM_CarregarEstacaoCheia(benchmark::State& state) {
   lumavox::AmbienteFixo ambiente(lumavox::MontarDataHora(2026, 11, 22, 10, 0, 0));
-  lumavox::Motor motor(EstacaoCheia(), ambiente);
+  lumavox::Motor motor(lumavox::bench::EstacaoCheia(), ambiente);
   motor.AbrirPlaylists();
   motor.E().playlists.PlaylistAtual = 0;
   for (auto _ : state) {

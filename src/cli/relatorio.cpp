@@ -33,12 +33,12 @@ nlohmann::ordered_json SelecaoJson(const Estado& e, const SelecaoFeita& s) {
   if (const NoLog* pai = ProcurarSelecao(e, s.chaveLog)) {
     for (const NoLog& no : pai->filhos) {
       if (no.tipo == TipoLog::Restantes) {
-        for (const NoLog& m : no.filhos) restantes.push_back(m.codigo);
+        for (const MusicaLog& m : no.musicas) restantes.push_back(m.codigo);
         continue;
       }
       if (no.tipo == TipoLog::Escolhida || no.tipo == TipoLog::Inicio) continue;
       nlohmann::ordered_json removidas = nlohmann::ordered_json::array();
-      for (const NoLog& m : no.filhos) removidas.push_back(m.codigo);
+      for (const MusicaLog& m : no.musicas) removidas.push_back(m.codigo);
       nlohmann::ordered_json regra = {{"numero", no.regraNumero},
                                       {"id", ParaUtf8(no.id)},
                                       {"resultado", Resultado(no.tipo)},
@@ -59,6 +59,8 @@ nlohmann::ordered_json SelecaoJson(const Estado& e, const SelecaoFeita& s) {
 
 void ImprimirArvore(std::ostream& out, const NoLog& no, int nivel) {
   out << std::string(static_cast<size_t>(nivel) * 2, ' ') << ParaUtf8(no.texto) << "\n";
+  for (const MusicaLog& m : no.musicas)
+    out << std::string(static_cast<size_t>(nivel + 1) * 2, ' ') << m.codigo << "\n";
   for (const NoLog& filho : no.filhos) ImprimirArvore(out, filho, nivel + 1);
 }
 

@@ -46,6 +46,13 @@ void LogRegras::NovaSelecao(NoLog no) {
   while (selecoes_.size() > kSelecoesGuardadas) selecoes_.pop_front();
 }
 
+std::string ChaveMusica(const NoLog& pai, const MusicaLog& musica) {
+  const bool restantes = pai.tipo == TipoLog::Restantes;
+  return (restantes ? "MR" : "n") + pai.chave.substr(1) + "_" + std::to_string(musica.slot);
+}
+
+Texto TextoMusica(const MusicaLog& musica) { return DeUtf8(std::to_string(musica.codigo)); }
+
 Texto MontarDescricao(const Estado& e) {
   const RegrasCatalogo& r = e.catalogo.RegraAtual;
   const Texto& d = r.Descricao;
@@ -83,16 +90,12 @@ void RegistrarLog(Estado& e, TipoLog tipo, int32_t valor, int16_t contagem, cons
     case TipoLog::Restantes: {
       const long restantes = a.TotalMusicas - s.MusicasExcluidas;
       NoLog no = Entrada(agora, Chave("M", n), u"MUSICAS RESTANTES: " + Num(restantes) + u" / " + Num(a.TotalMusicas), tipo);
-      for (long i = 0; i <= kUltimoSlot; ++i) {
-        // Up to TotalMusicas inclusive: the same slots the draw walks.
-        if (i > a.TotalMusicas) break;
-        if (!s.MusicaCandidata.SemVerificar(i)) continue;
-        NoLog musica = Entrada(agora, "MR" + std::to_string(n) + "_" + std::to_string(i),
-                               DeUtf8(std::to_string(a.AcervoCodigos.SemVerificar(i))), tipo);
-        musica.codigo = a.AcervoCodigos.SemVerificar(i);
-        musica.slot = i;
-        no.filhos.push_back(std::move(musica));
-      }
+      // Up to TotalMusicas inclusive: the same slots the draw walks.
+      const long ultimo = a.TotalMusicas < kUltimoSlot ? a.TotalMusicas : kUltimoSlot;
+      no.musicas.reserve(static_cast<size_t>(restantes > 0 ? restantes : 0));
+      for (long i = 0; i <= ultimo; ++i)
+        if (s.MusicaCandidata.SemVerificar(i))
+          no.musicas.push_back({a.AcervoCodigos.SemVerificar(i), static_cast<int16_t>(i)});
       Pai(e).filhos.push_back(std::move(no));
       return;
     }
@@ -117,14 +120,9 @@ void RegistrarLog(Estado& e, TipoLog tipo, int32_t valor, int16_t contagem, cons
   no.regraNumero = s.RegraNumero;
   no.erro = erro;
   if (tipo == TipoLog::Aplicada) {
-    for (long i = 0; i <= kUltimoSlot; ++i) {
-      if (s.MusicaMantida.SemVerificar(i) || !s.MusicaCandidata.SemVerificar(i)) continue;
-      NoLog musica = Entrada(agora, "n" + sufixo + "_" + std::to_string(i),
-                             DeUtf8(std::to_string(a.AcervoCodigos.SemVerificar(i))), tipo);
-      musica.codigo = a.AcervoCodigos.SemVerificar(i);
-      musica.slot = i;
-      no.filhos.push_back(std::move(musica));
-    }
+    for (long i = 0; i <= kUltimoSlot; ++i)
+      if (!s.MusicaMantida.SemVerificar(i) && s.MusicaCandidata.SemVerificar(i))
+        no.musicas.push_back({a.AcervoCodigos.SemVerificar(i), static_cast<int16_t>(i)});
   }
   Pai(e).filhos.push_back(std::move(no));
 }

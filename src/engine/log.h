@@ -26,18 +26,30 @@ enum class TipoLog : int16_t {
   Erro = 6,          // the rule raised an error and was ended without removals
 };
 
+// A song under a rule entry (removed by it) or under the remaining-songs entry. Kept compact:
+// its key and text follow from its parent, so thousands of them cost little to record.
+struct MusicaLog {
+  int32_t codigo = 0;
+  int16_t slot = 0;
+};
+
 struct NoLog {
   std::string chave;
   Texto texto;
   TipoLog tipo = TipoLog::Inicio;
   DataHora momento;
-  int32_t codigo = 0;       // song entries and the chosen-song entry
-  long slot = -1;           // song entries
+  int32_t codigo = 0;       // the chosen-song entry
   Texto id;                 // rule entries
   int16_t regraNumero = 0;  // rule entries
   std::string erro;         // error entries: the cause
   std::vector<NoLog> filhos;
+  std::vector<MusicaLog> musicas;  // song entries under this one, in slot order
 };
+
+// Key and text of a song entry: "n<counter>_<rule>_<slot>" under a rule entry,
+// "MR<counter>_<slot>" under the remaining-songs entry; the text is the song's code.
+std::string ChaveMusica(const NoLog& pai, const MusicaLog& musica);
+Texto TextoMusica(const MusicaLog& musica);
 
 class LogRegras {
  public:

@@ -66,9 +66,9 @@ TEST_F(AplicarRegraTeste, AceitaRemoveELogaAntesDeRemover) {
   EXPECT_EQ(no.tipo, TipoLog::Aplicada);
   EXPECT_EQ(no.chave, "R4_3");
   EXPECT_EQ(ParaUtf8(no.texto), "3 -> REGRA: 01 -  (50,1,3) - Começar com (Genero:Rock) [(X2)DATA]");
-  ASSERT_EQ(no.filhos.size(), 1u);
-  EXPECT_EQ(no.filhos[0].chave, "n4_3_1");
-  EXPECT_EQ(no.filhos[0].codigo, 2);
+  ASSERT_EQ(no.musicas.size(), 1u);
+  EXPECT_EQ(ChaveMusica(no, no.musicas[0]), "n4_3_1");
+  EXPECT_EQ(no.musicas[0].codigo, 2);
 
   // A song already out stays out, and a rule that removes nothing logs no children.
   t.Regra(0, 1, "01", {"Genero:Pop"});
@@ -78,7 +78,7 @@ TEST_F(AplicarRegraTeste, AceitaRemoveELogaAntesDeRemover) {
   t.Regra(0, 2, "35", {});
   EXPECT_TRUE(AplicarRegra(t.E(), true, 2, 50));
   EXPECT_EQ(UltimaEntrada().tipo, TipoLog::Aplicada);
-  EXPECT_TRUE(UltimaEntrada().filhos.empty());
+  EXPECT_TRUE(UltimaEntrada().musicas.empty());
   EXPECT_EQ(t->selecao.MusicasExcluidas, 2);
 }
 
@@ -141,8 +141,8 @@ TEST(RegistrarLog, SubarvoreDaSelecaoComRestantesEEscolhida) {
   ASSERT_EQ(p.filhos.size(), 2u);
   EXPECT_EQ(p.filhos[0].chave, "M7");
   EXPECT_EQ(ParaUtf8(p.filhos[0].texto), "MUSICAS RESTANTES: 2 / 3");
-  ASSERT_EQ(p.filhos[0].filhos.size(), 2u);
-  EXPECT_EQ(p.filhos[0].filhos[1].chave, "MR7_2");
+  ASSERT_EQ(p.filhos[0].musicas.size(), 2u);
+  EXPECT_EQ(ChaveMusica(p.filhos[0], p.filhos[0].musicas[1]), "MR7_2");
   EXPECT_EQ(p.filhos[1].chave, "E7");
   EXPECT_EQ(ParaUtf8(p.filhos[1].texto), "7 / 2 -> 30");
   // A selection that never chose reuses its counter: its subtree is replaced, not doubled.
