@@ -1,21 +1,28 @@
 #include "rules/regras.h"
 
-#include <array>
 #include <utility>
 
 namespace lumavox {
 
 namespace {
 
-// One line per rule number; a new rule adds its procedure here.
-constexpr std::array<std::pair<std::u16string_view, ProcedimentoRegra>, 14> kTabela{{
+// One line per rule number, in number order; a new rule adds its procedure here.
+constexpr std::pair<std::u16string_view, ProcedimentoRegra> kTabela[] = {
     {u"01", Regra01},
-    {u"09", nullptr}, {u"10", nullptr}, {u"11", nullptr},
+    {u"09", nullptr},
+    {u"10", nullptr},
+    {u"11", nullptr},
     {u"12", Regra12},
-    {u"14", nullptr}, {u"15", nullptr}, {u"16", nullptr}, {u"17", nullptr},
-    {u"18", nullptr}, {u"19", nullptr}, {u"20", nullptr}, {u"21", nullptr},
+    {u"14", nullptr},
+    {u"15", nullptr},
+    {u"16", nullptr},
+    {u"17", nullptr},
+    {u"18", nullptr},
+    {u"19", nullptr},
+    {u"20", nullptr},
+    {u"21", nullptr},
     {u"34", Regra34},
-}};
+};
 
 }  // namespace
 
