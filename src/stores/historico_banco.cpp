@@ -1,0 +1,22 @@
+#include "stores/historico_banco.h"
+
+#include <system_error>
+
+#include "stores/historico_mdb.h"
+#include "stores/historico_sqlite.h"
+
+namespace lumavox {
+
+std::unique_ptr<FonteLogs> FonteLogsDaPasta(const fs::path& caminhoApp) {
+  std::error_code erro;
+  const fs::path mdb = caminhoApp / kArquivoLogsMdb;
+  if (fs::exists(mdb, erro)) return std::make_unique<FonteLogsMdb>(mdb);
+  return std::make_unique<FonteLogsSqlite>(caminhoApp / kArquivoLogsSqlite);
+}
+
+void OrigemHistoricoBanco::CarregarMusicasTocadas(Estado& estado) {
+  auto fonte = FonteLogsDaPasta(caminhoApp_);
+  lumavox::CarregarMusicasTocadas(estado, *fonte);
+}
+
+}  // namespace lumavox

@@ -1,0 +1,34 @@
+// Where the engine's history comes from at a station: "lumavox.mdb" in the application folder
+// when the station still keeps its Jet log database, else the SQLite "lumavox.db". With
+// neither, the load finds nothing to open and the history keeps what it had.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+
+#include "engine/motor.h"
+#include "stores/historico_fonte.h"
+
+namespace lumavox {
+
+namespace fs = std::filesystem;
+
+// The log database of the application folder, chosen as above (not opened yet).
+std::unique_ptr<FonteLogs> FonteLogsDaPasta(const fs::path& caminhoApp);
+
+inline void CarregarMusicasTocadas(Estado& estado, FonteLogs& fonte) {
+  CarregarMusicasTocadas(estado.historico, estado.acervo, fonte);
+}
+
+// Installed with Motor::DefinirOrigemHistorico; each load opens the database anew and
+// releases it at the end.
+class OrigemHistoricoBanco : public OrigemHistorico {
+ public:
+  explicit OrigemHistoricoBanco(fs::path caminhoApp) : caminhoApp_(std::move(caminhoApp)) {}
+  void CarregarMusicasTocadas(Estado& estado) override;
+
+ private:
+  fs::path caminhoApp_;
+};
+
+}  // namespace lumavox

@@ -1,0 +1,93 @@
+#include "stores/historico_sqlite.h"
+
+#include <sqlite3.h>
+
+#include <string>
+#include <utility>
+
+#include "base/erro.h"
+
+namespace lumavox {
+
+namespace {
+
+[[noreturn]] void ErroBanco(sqlite3* db, const std::string& acao) {
+  throw ErroExecucao(CodigoErro::ErroDeEntradaSaida,
+                     acao + ": " + (db ? sqlite3_errmsg(db) : "out of memory"));
+}
+
+class CursorSqlite : public CursorLogs {
+ public:
+  CursorSqlite(sqlite3* db, sqlite3_stmt* st) : db_(db), st_(st) {}
+  ~CursorSqlite() override { sqlite3_finalize(st_); }
+  CursorSqlite(const CursorSqlite&) = delete;
+  CursorSqlite& operator=(const CursorSqlite&) = delete;
+
+  bool Proxima(LinhaLogs& linha) override {
+    const int rc = sqlite3_step(st_);
+    if (rc == SQLITE_DONE) return false;
+    if (rc != SQLITE_ROW) ErroBanco(db_, "reading the log database");
+    for (int c = 0; c < 3; ++c) linha[c] = Valor(c);
+    return true;
+  }
+
+ private:
+  ValorBanco Valor(int c) {
+    switch (sqlite3_column_type(st_, c)) {
+      case SQLITE_INTEGER: return static_cast<double>(sqlite3_column_int64(st_, c));
+      case SQLITE_FLOAT: return sqlite3_column_double(st_, c);
+      case SQLITE_TEXT: {
+        const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(st_, c));
+        return DeUtf8(std::string_view(bytes, static_cast<size_t>(sqlite3_column_bytes(st_, c))));
+      }
+      default:  // Null, and blobs, which no column of the log holds
+        return std::monostate{};
+    }
+  }
+
+  sqlite3* db_;
+  sqlite3_stmt* st_;
+};
+
+}  // namespace
+
+FonteLogsSqlite::FonteLogsSqlite(fs::path arquivo) : arquivo_(std::move(arquivo)) {}
+
+FonteLogsSqlite::~FonteLogsSqlite() { sqlite3_close(db_); }
+
+void FonteLogsSqlite::Abrir() {
+  sqlite3_close(db_);
+  db_ = nullptr;
+  const std::string caminho = arquivo_.string();
+  if (sqlite3_open_v2(caminho.c_str(), &db_, SQLITE_OPEN_READONLY, nullptr) != SQLITE_OK) {
+    std::string causa = "opening " + caminho + ": " + (db_ ? sqlite3_errmsg(db_) : "out of memory");
+    sqlite3_close(db_);
+    db_ = nullptr;
+    throw ErroExecucao(CodigoErro::ArquivoNaoEncontrado, causa);
+  }
+  sqlite3_busy_timeout(db_, kEsperaBloqueioMs);
+  // The file is only looked at on first use: reading the schema now tells a garbage file or a
+  // database a writer holds locked from a good one, before any table is touched.
+  if (sqlite3_exec(db_, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr) !=
+      SQLITE_OK) {
+    std::string causa = "opening " + caminho + ": " + sqlite3_errmsg(db_);
+    sqlite3_close(db_);
+    db_ = nullptr;
+    throw ErroExecucao(CodigoErro::ErroDeEntradaSaida, causa);
+  }
+}
+
+std::unique_ptr<CursorLogs> FonteLogsSqlite::Consultar(ConsultaLogs consulta) {
+  if (!db_) throw ErroExecucao(CodigoErro::ChamadaInvalida, "log database not open");
+  const char* sql = consulta == ConsultaLogs::Tocadas ? kSqlTocadas
+                    : consulta == ConsultaLogs::Tipo4 ? kSqlTipo4
+                                                      : kSqlTipo5;
+  sqlite3_stmt* st = nullptr;
+  if (sqlite3_prepare_v2(db_, sql, -1, &st, nullptr) != SQLITE_OK) {
+    sqlite3_finalize(st);
+    ErroBanco(db_, "querying the log database");
+  }
+  return std::make_unique<CursorSqlite>(db_, st);
+}
+
+}  // namespace lumavox

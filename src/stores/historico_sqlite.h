@@ -1,0 +1,44 @@
+// The station's log database as an SQLite file, "lumavox.db" in the application folder:
+//   CREATE TABLE Logs (Codigo INTEGER PRIMARY KEY, Musica INTEGER, Data TEXT, Tipo INTEGER);
+//   CREATE VIEW VIEWLogs AS SELECT Tipo, Musica, COUNT(*) AS NReg FROM Logs GROUP BY Tipo, Musica;
+// Data is local time "YYYY-MM-DD HH:MM:SS". The engine only reads it: the file is opened
+// read-only and never created, and a writer's lock is waited for briefly before giving up.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+
+#include "stores/historico_fonte.h"
+
+struct sqlite3;
+
+namespace lumavox {
+
+namespace fs = std::filesystem;
+
+inline constexpr const char* kArquivoLogsSqlite = "lumavox.db";
+inline constexpr int kEsperaBloqueioMs = 300;
+
+inline constexpr const char* kSqlTocadas =
+    "SELECT Codigo, Musica, Data FROM Logs WHERE Tipo = 0 ORDER BY Codigo DESC LIMIT 500";
+inline constexpr const char* kSqlTipo4 =
+    "SELECT Tipo, Musica, NReg FROM VIEWLogs WHERE Tipo = 4 ORDER BY Musica";
+inline constexpr const char* kSqlTipo5 =
+    "SELECT Tipo, Musica, Data FROM Logs WHERE Tipo = 5 ORDER BY Musica, Data DESC";
+
+class FonteLogsSqlite : public FonteLogs {
+ public:
+  explicit FonteLogsSqlite(fs::path arquivo);
+  ~FonteLogsSqlite() override;
+  FonteLogsSqlite(const FonteLogsSqlite&) = delete;
+  FonteLogsSqlite& operator=(const FonteLogsSqlite&) = delete;
+
+  void Abrir() override;
+  std::unique_ptr<CursorLogs> Consultar(ConsultaLogs consulta) override;
+
+ private:
+  fs::path arquivo_;
+  sqlite3* db_ = nullptr;
+};
+
+}  // namespace lumavox

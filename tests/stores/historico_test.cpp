@@ -1,0 +1,221 @@
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "apoio/estacao.h"
+#include "apoio/estado_teste.h"
+#include "base/erro.h"
+#include "stores/banco_sqlite.h"
+#include "stores/historico_banco.h"
+#include "stores/historico_fonte.h"
+#include "stores/historico_mdb.h"
+#include "stores/historico_sqlite.h"
+
+namespace lumavox {
+namespace {
+
+using teste::EstacaoTeste;
+using teste::EstadoTeste;
+
+DataHora Dia(int dia, int hora = 0, int minuto = 0) {
+  return MontarDataHora(2026, 11, dia, hora, minuto, 0);
+}
+const DataHora kAntiga = MontarDataHora(2000, 1, 1);
+
+// A collection of songs 101..103 (slots 0..2) whose history holds marks from an earlier load,
+// so every test can tell what a load changed from what it left alone.
+class CargaHistorico : public ::testing::Test {
+ protected:
+  CargaHistorico() {
+    estado.Musica(101).Musica(102).Musica(103);
+    Historico& h = H();
+    for (long p = -501; p <= 0; ++p) {
+      h.HistoricoCodigos[p] = 7;
+      h.HistoricoDatas[p] = kAntiga;
+    }
+    h.HistoricoTipo4[1] = true;
+    h.HistoricoTipo5(1, 0) = true;
+    h.HistoricoTipo5Datas(1, 0) = kAntiga;
+  }
+  Historico& H() { return estado->historico; }
+  fs::path Banco() const { return estacao.Caminho(kArquivoLogsSqlite); }
+  void Carregar() { OrigemHistoricoBanco(estacao.Pasta()).CarregarMusicasTocadas(estado.E()); }
+
+  // Nothing a load writes has moved.
+  void EsperarIntocado() {
+    EXPECT_EQ(H().HistoricoCodigos[-1], 7);
+    EXPECT_EQ(H().HistoricoCodigos[-500], 7);
+    EXPECT_TRUE(H().HistoricoTipo4[1]);
+    EXPECT_TRUE(H().HistoricoTipo5(1, 0));
+  }
+
+  EstadoTeste estado;
+  EstacaoTeste estacao;
+};
+
+TEST_F(CargaHistorico, SeiscentasTocadasGuardamAsQuinhentasMaisNovas) {
+  std::vector<RegistroLog> registros;
+  for (int i = 1; i <= 600; ++i) registros.push_back({1000 + i, SomarSegundos(Dia(1), 60 * i), 0});
+  registros.push_back({5, Dia(20), 4});  // other types never reach the plays
+  BancoLogs(Banco()).Registrar(registros);
+  Carregar();
+  EXPECT_EQ(H().HistoricoCodigos[-1], 1600);
+  EXPECT_EQ(H().HistoricoDatas[-1], SomarSegundos(Dia(1), 60 * 600));
+  EXPECT_EQ(H().HistoricoCodigos[-2], 1599);
+  EXPECT_EQ(H().HistoricoCodigos[-500], 1101);
+  EXPECT_EQ(H().HistoricoDatas[-500], SomarSegundos(Dia(1), 60 * 101));
+  // Outside the database's positions nothing is touched.
+  EXPECT_EQ(H().HistoricoCodigos[-501], 7);
+  EXPECT_EQ(H().HistoricoCodigos[0], 7);
+}
+
+TEST_F(CargaHistorico, BancoVazioZeraPosicoesELimpaMarcas) {
+  CriarBancoLogs(Banco());
+  Carregar();
+  for (long p = -500; p <= -1; ++p) ASSERT_EQ(H().HistoricoCodigos[p], 0) << p;
+  EXPECT_EQ(H().HistoricoDatas[-1], kAntiga);  // only the codes are cleared
+  EXPECT_FALSE(H().HistoricoTipo4[1]);
+  EXPECT_FALSE(H().HistoricoTipo5(1, 0));
+}
+
+TEST_F(CargaHistorico, MarcasDeTipo4E5PorSlot) {
+  Acervo& a = estado->acervo;
+  a.AcervoCodigos[10] = 900;  // stale slot past the loaded songs
+  a.AcervoCodigos[11] = 102;  // a later copy of a loaded code
+  a.CodigosAlterados();
+  std::vector<RegistroLog> r;
+  // Twelve type-5 entries of song 103, out of order: days 1..12 at 08:00.
+  for (int d : {5, 1, 12, 7, 3, 9, 11, 2, 8, 4, 10, 6}) r.push_back({103, Dia(d, 8), 5});
+  r.push_back({102, Dia(3), 4});
+  r.push_back({102, Dia(4), 4});
+  r.push_back({900, Dia(2), 4});
+  r.push_back({900, Dia(2), 5});
+  r.push_back({555, Dia(2), 4});  // not in the collection
+  r.push_back({555, Dia(2), 5});
+  BancoLogs(Banco()).Registrar(r);
+  Carregar();
+
+  EXPECT_FALSE(H().HistoricoTipo4[0]);
+  EXPECT_TRUE(H().HistoricoTipo4[1]);
+  EXPECT_FALSE(H().HistoricoTipo4[11]);
+  EXPECT_TRUE(H().HistoricoTipo4[10]);
+  EXPECT_TRUE(H().HistoricoTipo5(10, 0));
+  EXPECT_EQ(H().HistoricoTipo5Datas(10, 0), Dia(2));
+  EXPECT_FALSE(H().HistoricoTipo5(1, 0));
+  for (long k = 0; k < kDatasTipo5; ++k) {
+    ASSERT_TRUE(H().HistoricoTipo5(2, k));
+    EXPECT_EQ(H().HistoricoTipo5Datas(2, k), Dia(12 - static_cast<int>(k), 8)) << k;
+  }
+  long marcados = 0;
+  for (long s = 0; s <= kUltimoSlot; ++s) {
+    marcados += H().HistoricoTipo4[s] ? 1 : 0;
+    for (long k = 0; k < kDatasTipo5; ++k) marcados += H().HistoricoTipo5(s, k) ? 1 : 0;
+  }
+  EXPECT_EQ(marcados, 2 + 1 + 10);
+}
+
+TEST_F(CargaHistorico, BancoQueNaoAbreDeixaTudoComoEstava) {
+  Carregar();  // no database at all
+  EsperarIntocado();
+  EXPECT_FALSE(estacao.Existe(kArquivoLogsSqlite));
+
+  estacao.GravarTexto(kArquivoLogsSqlite, std::string(4096, 'x'));
+  Carregar();
+  EsperarIntocado();
+}
+
+TEST_F(CargaHistorico, BancoBloqueadoPorEscritorFalhaSemEsperarMuito) {
+  BancoLogs escritor(Banco());
+  escritor.Registrar({101, Dia(1), 0});
+  ASSERT_EQ(sqlite3_exec(escritor.Conexao(), "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr),
+            SQLITE_OK);
+  Carregar();
+  EsperarIntocado();
+  sqlite3_exec(escritor.Conexao(), "COMMIT", nullptr, nullptr, nullptr);
+  Carregar();
+  EXPECT_EQ(H().HistoricoCodigos[-1], 101);
+}
+
+TEST_F(CargaHistorico, PrefereBancoJetQuandoExiste) {
+  RegistrarLogBanco(Banco(), 101, Dia(1), 0);
+  estacao.GravarTexto(kArquivoLogsMdb, "not a Jet file");
+  Carregar();
+  EsperarIntocado();
+}
+
+// Rows handed over as written; a query named in `falha` cannot run, and `falhaApos` rows into
+// a walk the database breaks.
+struct FonteFalsa : FonteLogs {
+  struct Cursor : CursorLogs {
+    std::vector<LinhaLogs> linhas;
+    size_t i = 0, falhaApos = SIZE_MAX;
+    bool Proxima(LinhaLogs& l) override {
+      if (i == falhaApos) throw ErroExecucao(CodigoErro::ErroDeEntradaSaida, "broken");
+      if (i == linhas.size()) return false;
+      l = linhas[i++];
+      return true;
+    }
+  };
+  void Abrir() override {}
+  std::unique_ptr<CursorLogs> Consultar(ConsultaLogs c) override {
+    if (c == falha) throw ErroExecucao(CodigoErro::ErroDeEntradaSaida, "no such table");
+    auto cursor = std::make_unique<Cursor>();
+    cursor->linhas = linhas[static_cast<int>(c)];
+    if (c == quebra) cursor->falhaApos = falhaApos;
+    return cursor;
+  }
+  std::vector<LinhaLogs> linhas[3];
+  std::optional<ConsultaLogs> falha, quebra;
+  size_t falhaApos = 0;
+};
+
+TEST_F(CargaHistorico, ValorRuimPulaSoAquelaAtribuicao) {
+  FonteFalsa f;
+  f.linhas[0] = {{1.0, 101.0, Dia(3)},
+                 {2.0, 3e9, Dia(2)},                          // code overflows: date still lands
+                 {3.0, Texto(u"102"), Texto(u"not a date")},  // date stays as it was
+                 {4.0, std::monostate{}, Texto(u"2026-11-01 10:00:00")}};
+  CarregarMusicasTocadas(estado.E(), f);
+  EXPECT_EQ(H().HistoricoCodigos[-1], 101);
+  EXPECT_EQ(H().HistoricoCodigos[-2], 0);
+  EXPECT_EQ(H().HistoricoDatas[-2], Dia(2));
+  EXPECT_EQ(H().HistoricoCodigos[-3], 102);
+  EXPECT_EQ(H().HistoricoDatas[-3], kAntiga);
+  EXPECT_EQ(H().HistoricoCodigos[-4], 0);
+  EXPECT_EQ(H().HistoricoDatas[-4], Dia(1, 10));
+}
+
+TEST_F(CargaHistorico, ConsultaQueFalhaEncerraACargaAli) {
+  FonteFalsa f;
+  f.linhas[0] = {{1.0, 103.0, Dia(3)}};
+  f.falha = ConsultaLogs::Tipo4;
+  CarregarMusicasTocadas(estado.E(), f);
+  EXPECT_EQ(H().HistoricoCodigos[-1], 103);
+  EXPECT_FALSE(H().HistoricoTipo4[1]);    // cleared before the query failed
+  EXPECT_TRUE(H().HistoricoTipo5(1, 0));  // never reached
+
+  FonteFalsa g;
+  g.linhas[2] = {{5.0, 101.0, Dia(3)}, {5.0, 102.0, Dia(2)}};
+  g.quebra = ConsultaLogs::Tipo5;
+  g.falhaApos = 1;
+  CarregarMusicasTocadas(estado.E(), g);
+  EXPECT_TRUE(H().HistoricoTipo5(0, 0));
+  EXPECT_FALSE(H().HistoricoTipo5(1, 0));
+}
+
+TEST(ValoresDoBanco, DatasOleENumeros) {
+  EXPECT_EQ(DataHoraDeOle(44532.5), MontarDataHora(2021, 12, 2, 12, 0, 0));
+  // Before day zero the fraction still counts forward from the start of the day.
+  EXPECT_EQ(DataHoraDeOle(-1.25), MontarDataHora(1899, 12, 29, 6, 0, 0));
+  EXPECT_EQ(DataHoraDeOle(1.0 + 59.6 / 86400), MontarDataHora(1899, 12, 31, 0, 1, 0));
+  EXPECT_EQ(teste::ErroDe([] { DataHoraDeOle(3e6); }), CodigoErro::Estouro);
+  EXPECT_EQ(NumeroDoValor(Texto(u"7,5")), 7.5);
+  EXPECT_EQ(NumeroDoValor(Texto(u"abc")), 0);
+  EXPECT_EQ(NumeroDoValor(Dia(1)), 0);
+  EXPECT_EQ(teste::ErroDe([] { DataDoValor(std::monostate{}); }), CodigoErro::TiposIncompativeis);
+}
+
+}  // namespace
+}  // namespace lumavox
