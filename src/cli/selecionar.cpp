@@ -57,6 +57,7 @@ bool PreencherTocadas(Estado& e, const std::string& lista, DataHora agora, std::
     h.HistoricoDatas[i] = tocadas[static_cast<size_t>(i)].second.value_or(SomarSegundos(agora, -60 * (n - i)));
   }
   h.TotalTocadas = static_cast<int16_t>(n);
+  h.Alterado();
   return true;
 }
 

@@ -33,6 +33,7 @@ void ChecarMusicasTocadas(Historico& h) {
     h.HistoricoDatas[i - 500] = h.HistoricoDatas[i + 2500];
   }
   h.TotalTocadas = 501;
+  h.Alterado();
 }
 
 void Motor::LerNivel() {
@@ -183,6 +184,7 @@ ResultadoExecucao Motor::TestarRegras() {
       h.HistoricoCodigos[h.TotalTocadas] = codigo;
       h.HistoricoDatas[h.TotalTocadas] = momento;
       ++h.TotalTocadas;
+      h.Alterado();
     } catch (const ErroExecucao& e) {
       ultimoErro_ = std::string("Histórico: ") + e.what();
     }

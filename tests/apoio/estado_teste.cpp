@@ -33,6 +33,7 @@ EstadoTeste& EstadoTeste::Tocadas(std::initializer_list<int32_t> codigos) {
     h.HistoricoDatas[h.TotalTocadas] = SomarSegundos(agora, -60 * n--);
     ++h.TotalTocadas;
   }
+  h.Alterado();
   return *this;
 }
 
