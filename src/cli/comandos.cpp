@@ -8,6 +8,8 @@
 #include <system_error>
 
 #include "cli/subcomandos.h"
+#include "engine/motor.h"
+#include "stores/historico_banco.h"
 
 namespace lumavox::cli {
 
@@ -36,7 +38,9 @@ int Executar(std::vector<std::string> argumentos, std::ostream& saida, std::ostr
   return ctx.codigoSaida;
 }
 
-void InstalarHistorico(Motor& /*motor*/) {}
+void InstalarHistorico(Motor& motor) {
+  motor.DefinirOrigemHistorico(std::make_unique<OrigemHistoricoBanco>(motor.CaminhoApp()));
+}
 
 fs::path PastaDoExecutavel() {
   std::error_code ec;

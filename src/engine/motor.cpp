@@ -76,7 +76,8 @@ void Motor::DefinirAcervo(int32_t CodAcervo, int16_t CarregarLogs) {
 }
 
 void Motor::CarregarMusicasTocadas() {
-  if (historico_) historico_->CarregarMusicasTocadas(estado_);
+  if (historico_) historico_->CarregarMusicasTocadas(estado_.historico, estado_.acervo);
+  estado_.historico.Alterado();
 }
 
 void Motor::VerificarPlaylist(int16_t CarregarLogs) {

@@ -16,13 +16,6 @@ namespace lumavox {
 
 namespace fs = std::filesystem;
 
-// Where the played-song history comes from (the station's log database).
-class OrigemHistorico {
- public:
-  virtual ~OrigemHistorico() = default;
-  virtual void CarregarMusicasTocadas(Estado& estado) = 0;
-};
-
 class Motor {
  public:
   Motor(fs::path caminhoApp, Ambiente& ambiente);

@@ -29,4 +29,12 @@ struct Historico {
   Matriz<DataHora, kTotalSlots, kDatasTipo5> HistoricoTipo5Datas;
 };
 
+// Where the played-song history comes from (the station's log database). A load fills the
+// history of the collection just loaded; its failures never leave the load.
+class OrigemHistorico {
+ public:
+  virtual ~OrigemHistorico() = default;
+  virtual void CarregarMusicasTocadas(Historico& historico, const Acervo& acervo) = 0;
+};
+
 }  // namespace lumavox

@@ -14,9 +14,9 @@ std::unique_ptr<FonteLogs> FonteLogsDaPasta(const fs::path& caminhoApp) {
   return std::make_unique<FonteLogsSqlite>(caminhoApp / kArquivoLogsSqlite);
 }
 
-void OrigemHistoricoBanco::CarregarMusicasTocadas(Estado& estado) {
+void OrigemHistoricoBanco::CarregarMusicasTocadas(Historico& historico, const Acervo& acervo) {
   auto fonte = FonteLogsDaPasta(caminhoApp_);
-  lumavox::CarregarMusicasTocadas(estado, *fonte);
+  lumavox::CarregarMusicasTocadas(historico, acervo, *fonte);
 }
 
 }  // namespace lumavox

@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <memory>
 
-#include "engine/motor.h"
+#include "stores/historico.h"
 #include "stores/historico_fonte.h"
 
 namespace lumavox {
@@ -16,16 +16,12 @@ namespace fs = std::filesystem;
 // The log database of the application folder, chosen as above (not opened yet).
 std::unique_ptr<FonteLogs> FonteLogsDaPasta(const fs::path& caminhoApp);
 
-inline void CarregarMusicasTocadas(Estado& estado, FonteLogs& fonte) {
-  CarregarMusicasTocadas(estado.historico, estado.acervo, fonte);
-}
-
 // Installed with Motor::DefinirOrigemHistorico; each load opens the database anew and
 // releases it at the end.
 class OrigemHistoricoBanco : public OrigemHistorico {
  public:
   explicit OrigemHistoricoBanco(fs::path caminhoApp) : caminhoApp_(std::move(caminhoApp)) {}
-  void CarregarMusicasTocadas(Estado& estado) override;
+  void CarregarMusicasTocadas(Historico& historico, const Acervo& acervo) override;
 
  private:
   fs::path caminhoApp_;

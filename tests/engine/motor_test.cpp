@@ -13,7 +13,7 @@ using teste::EstacaoTeste;
 
 struct HistoricoContado : OrigemHistorico {
   explicit HistoricoContado(int& n) : chamadas(n) {}
-  void CarregarMusicasTocadas(Estado&) override { ++chamadas; }
+  void CarregarMusicasTocadas(Historico&, const Acervo&) override { ++chamadas; }
   int& chamadas;
 };
 

@@ -46,7 +46,7 @@ TEST_F(TabelaJet, SemTabelaLogsParaNaPrimeiraConsulta) {
   teste::EstadoTeste estado;
   estado->historico.HistoricoCodigos[-1] = 5;
   estado->historico.HistoricoTipo4[0] = true;
-  OrigemHistoricoBanco(estacao.Pasta()).CarregarMusicasTocadas(estado.E());
+  OrigemHistoricoBanco(estacao.Pasta()).CarregarMusicasTocadas(estado->historico, estado->acervo);
   EXPECT_EQ(estado->historico.HistoricoCodigos[-1], 0);
   EXPECT_TRUE(estado->historico.HistoricoTipo4[0]);
 }

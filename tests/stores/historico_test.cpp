@@ -41,7 +41,7 @@ class CargaHistorico : public ::testing::Test {
   }
   Historico& H() { return estado->historico; }
   fs::path Banco() const { return estacao.Caminho(kArquivoLogsSqlite); }
-  void Carregar() { OrigemHistoricoBanco(estacao.Pasta()).CarregarMusicasTocadas(estado.E()); }
+  void Carregar() { OrigemHistoricoBanco(estacao.Pasta()).CarregarMusicasTocadas(estado->historico, estado->acervo); }
 
   // Nothing a load writes has moved.
   void EsperarIntocado() {
@@ -177,7 +177,7 @@ TEST_F(CargaHistorico, ValorRuimPulaSoAquelaAtribuicao) {
                  {2.0, 3e9, Dia(2)},                          // code overflows: date still lands
                  {3.0, Texto(u"102"), Texto(u"not a date")},  // date stays as it was
                  {4.0, std::monostate{}, Texto(u"2026-11-01 10:00:00")}};
-  CarregarMusicasTocadas(estado.E(), f);
+  CarregarMusicasTocadas(estado->historico, estado->acervo, f);
   EXPECT_EQ(H().HistoricoCodigos[-1], 101);
   EXPECT_EQ(H().HistoricoCodigos[-2], 0);
   EXPECT_EQ(H().HistoricoDatas[-2], Dia(2));
@@ -191,7 +191,7 @@ TEST_F(CargaHistorico, ConsultaQueFalhaEncerraACargaAli) {
   FonteFalsa f;
   f.linhas[0] = {{1.0, 103.0, Dia(3)}};
   f.falha = ConsultaLogs::Tipo4;
-  CarregarMusicasTocadas(estado.E(), f);
+  CarregarMusicasTocadas(estado->historico, estado->acervo, f);
   EXPECT_EQ(H().HistoricoCodigos[-1], 103);
   EXPECT_FALSE(H().HistoricoTipo4[1]);    // cleared before the query failed
   EXPECT_TRUE(H().HistoricoTipo5(1, 0));  // never reached
@@ -200,7 +200,7 @@ TEST_F(CargaHistorico, ConsultaQueFalhaEncerraACargaAli) {
   g.linhas[2] = {{5.0, 101.0, Dia(3)}, {5.0, 102.0, Dia(2)}};
   g.quebra = ConsultaLogs::Tipo5;
   g.falhaApos = 1;
-  CarregarMusicasTocadas(estado.E(), g);
+  CarregarMusicasTocadas(estado->historico, estado->acervo, g);
   EXPECT_TRUE(H().HistoricoTipo5(0, 0));
   EXPECT_FALSE(H().HistoricoTipo5(1, 0));
 }
