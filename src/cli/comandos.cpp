@@ -25,6 +25,7 @@ int Executar(std::vector<std::string> argumentos, std::ostream& saida, std::ostr
   RegistrarAcervo(app, ctx);
   RegistrarDemo(app, ctx);
   RegistrarSelecao(app, ctx);
+  RegistrarTocar(app, ctx);
 
   // CLI11 reads the arguments from the back.
   std::reverse(argumentos.begin(), argumentos.end());

@@ -10,7 +10,9 @@
 #include "base/arquivos.h"
 #include "cli/comandos.h"
 #include "cli/subcomandos.h"
+#include "base/ambiente.h"
 #include "stores/acervo.h"
+#include "stores/banco_sqlite.h"
 #include "stores/codec.h"
 
 namespace lumavox::cli {
@@ -205,6 +207,25 @@ void GerarEstacaoDemo(const fs::path& pasta, const OpcoesDemo& op) {
     fs::remove(pasta / "pl.rdb");
   }
   EscreverBytes(pasta / "ritmo.rer", "50\r\n");
+
+  fs::remove(pasta / "lumavox.db");
+  if (op.tocadasNoBanco > 0) {
+    // A log that looks lived in: plays every few minutes up to now, a few favourites (type 4)
+    // and quarantine dates (type 5) from the last days.
+    std::vector<RegistroLog> registros;
+    const DataHora agora = AgoraLocal();
+    auto Codigo = [&](int n) { return 1000 + (n % op.musicas) * 7; };
+    for (int i = op.tocadasNoBanco; i >= 1; --i)
+      registros.push_back({Codigo(s.Entre(0, op.musicas - 1)), SomarSegundos(agora, -200 * i), 0});
+    for (int i = 0; i < op.musicas / 10; ++i)
+      registros.push_back({Codigo(s.Entre(0, op.musicas - 1)), SomarSegundos(agora, -3600 * s.Entre(1, 300)), 4});
+    for (int i = 0; i < op.musicas / 8; ++i) {
+      const int32_t codigo = Codigo(s.Entre(0, op.musicas - 1));
+      for (int d = s.Entre(1, 3); d >= 1; --d)
+        registros.push_back({codigo, SomarSegundos(agora, -86400 * d - 60 * s.Entre(0, 600)), 5});
+    }
+    BancoLogs(pasta / "lumavox.db").Registrar(registros);
+  }
 }
 
 void RegistrarDemo(CLI::App& app, Contexto& ctx) {

@@ -14,6 +14,7 @@ struct OpcoesDemo {
   uint32_t semente = 1;
   int bytesMre = 256;
   bool playlistNoturna = true;
+  int tocadasNoBanco = 150;  // plays already logged in lumavox.db before now (0: no database)
 };
 
 // Writes the station into `pasta` (created if missing); existing station files are replaced.

@@ -30,6 +30,7 @@ void RegistrarRdb(CLI::App& app, Contexto& ctx);
 void RegistrarAcervo(CLI::App& app, Contexto& ctx);
 void RegistrarDemo(CLI::App& app, Contexto& ctx);
 void RegistrarSelecao(CLI::App& app, Contexto& ctx);
+void RegistrarTocar(CLI::App& app, Contexto& ctx);
 
 // Installs the station's log database as the engine's history source.
 void InstalarHistorico(Motor& motor);

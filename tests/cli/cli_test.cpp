@@ -7,6 +7,8 @@
 #include "apoio/estacao.h"
 #include "cli/comandos.h"
 #include "cli/demo.h"
+#include "cli/subcomandos.h"
+#include "engine/motor.h"
 #include "rules/ritmo.h"
 #include "base/texto.h"
 
@@ -109,6 +111,61 @@ TEST(CliRdb, LinhaIndecodificavelIndicaALinha) {
   EXPECT_EQ(r.saida, "ok\n");
   EXPECT_NE(r.erros.find("linha 2"), std::string::npos);
   EXPECT_EQ(Rodar({"rdb", "decode", estacao.Caminho("falta.rdb").string()}).codigo, 1);
+}
+
+}  // namespace
+}  // namespace lumavox::cli
+
+namespace lumavox::cli {
+namespace {
+
+TEST(CliSelect, JsonDoContratoComHistoricoEmMemoria) {
+  teste::EstacaoTeste estacao;
+  const std::string dir = estacao.Pasta().string();
+  ASSERT_EQ(Rodar({"demo", "--dir", dir, "--musicas", "80"}).codigo, 0);
+  const std::vector<std::string> args{"select", "--dir", dir, "--now", "2026-11-22 10:00:00", "--seed", "4",
+                                      "--played", "1000,1007@2026-11-22T09:50:00", "--no-wait", "--json"};
+  Resultado r = Rodar(args);
+  ASSERT_EQ(r.codigo, 0) << r.erros;
+  auto doc = nlohmann::json::parse(r.saida);
+  EXPECT_EQ(doc["total_musicas"], 80);
+  ASSERT_EQ(doc["selecoes"].size(), 2u);
+  const auto& s = doc["selecoes"][0];
+  for (const char* chave : {"numero", "nivel", "conjunto", "regras", "restantes", "escolhida", "arquivos"})
+    EXPECT_TRUE(s.contains(chave)) << chave;
+  EXPECT_EQ(s["nivel"], 50);
+  EXPECT_EQ(s["arquivos"]["mrt"], "temp/000001.mrt");
+  EXPECT_EQ(s["arquivos"]["lre"].get<std::string>().substr(0, 12), "list/000001_");
+  // The history was not empty, so the opening-song rule kept everything.
+  EXPECT_EQ(s["regras"][0]["id"], "01");
+  EXPECT_TRUE(s["regras"][0]["removidas"].empty());
+  const auto& restantes = s["restantes"];
+  EXPECT_NE(std::find(restantes.begin(), restantes.end(), s["escolhida"]), restantes.end());
+
+  // Same seed, same inputs, same output.
+  EXPECT_EQ(Rodar(args).saida, r.saida);
+  EXPECT_EQ(Rodar({"select", "--dir", dir, "--played", "12x", "--no-wait"}).codigo, 2);
+}
+
+TEST(CliTocar, TocadorSimuladoRegistraAsTocadasNoBanco) {
+  teste::EstacaoTeste estacao;
+  const std::string dir = estacao.Pasta().string();
+  ASSERT_EQ(Rodar({"demo", "--dir", dir, "--musicas", "80"}).codigo, 0);
+  Resultado r = Rodar({"tocar", "--dir", dir, "--musicas", "5", "--inicio", "2026-11-22 15:00:00"});
+  ASSERT_EQ(r.codigo, 0) << r.erros;
+  size_t tocando = 0;
+  for (size_t p = r.saida.find("tocando"); p != std::string::npos; p = r.saida.find("tocando", p + 1)) ++tocando;
+  EXPECT_EQ(tocando, 5u);
+  // The next start-up reads the last play back as the newest history entry.
+  const size_t ultima = r.saida.rfind("tocando");
+  const int32_t codigo = std::stoi(r.saida.substr(ultima + 7, 10));
+  AmbienteFixo ambiente(MontarDataHora(2026, 11, 22, 16, 0, 0));
+  Motor motor(estacao.Pasta(), ambiente);
+  InstalarHistorico(motor);
+  motor.Iniciar();
+  EXPECT_EQ(motor.E().historico.HistoricoCodigos[-1], codigo);
+  EXPECT_EQ(motor.E().historico.HistoricoDatas[-1].segundos / 86400,
+            MontarDataHora(2026, 11, 22, 15, 0, 0).segundos / 86400);
 }
 
 }  // namespace
