@@ -6,9 +6,10 @@ set -euo pipefail
 PACOTES=(
   build-essential cmake ninja-build pkg-config
   libicu-dev libsqlite3-dev mdbtools-dev
-  libcli11-dev nlohmann-json3-dev
+  libcli11-dev nlohmann-json3-dev libtomlplusplus-dev libtag1-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   qt6-base-dev
+  clang libclang-rt-14-dev
   xvfb xauth trayer
 )
 
