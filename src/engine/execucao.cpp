@@ -73,6 +73,30 @@ void Motor::LerAvanco() {
   ApagarArquivo(arquivo);
 }
 
+long Motor::EscolherMusica() {
+  Execucao& x = estado_.execucao;
+  Selecao& sel = estado_.selecao;
+  RegistrarLog(estado_, TipoLog::Inicio);
+  sel.RegraNumero = 1;
+  if (estado_.painel) {
+    estado_.painel->MostrarContagemAvancos(x.ContagemAvancos);
+    estado_.painel->Ceder();
+  }
+
+  const long total = estado_.acervo.TotalMusicas;
+  sel.MusicasExcluidas = 0;
+  for (long i = 0; i < total; ++i) sel.MusicaCandidata[i] = true;
+  const int conjunto = ConjuntoDoNivel(x.NivelAtual);
+  sel.CliqueAtual = x.CliqueAvancar;
+  for (long r = 0; r < estado_.catalogo.QuantidadeRegras[static_cast<size_t>(conjunto)]; ++r) {
+    if (estado_.painel) estado_.painel->Ceder();
+    if (estado_.catalogo.CatalogoRegras(conjunto, r).Ativo) AplicarRegra(estado_, true, r, x.NivelAtual);
+    ++sel.RegraNumero;
+  }
+  RegistrarLog(estado_, TipoLog::Restantes);
+  return Sortear();
+}
+
 ResultadoExecucao Motor::TestarRegras() {
   Execucao& x = estado_.execucao;
   Selecao& sel = estado_.selecao;
@@ -114,26 +138,8 @@ ResultadoExecucao Motor::TestarRegras() {
       x.NivelMudou = 0;
     }
 
-    RegistrarLog(estado_, TipoLog::Inicio);
-    sel.RegraNumero = 1;
-    if (estado_.painel) {
-      estado_.painel->MostrarContagemAvancos(x.ContagemAvancos);
-      estado_.painel->Ceder();
-    }
-
-    const long total = estado_.acervo.TotalMusicas;
-    sel.MusicasExcluidas = 0;
-    for (long i = 0; i < total; ++i) sel.MusicaCandidata[i] = true;
     const int conjunto = ConjuntoDoNivel(x.NivelAtual);
-    sel.CliqueAtual = x.CliqueAvancar;
-    for (long r = 0; r < estado_.catalogo.QuantidadeRegras[static_cast<size_t>(conjunto)]; ++r) {
-      if (estado_.painel) estado_.painel->Ceder();
-      if (estado_.catalogo.CatalogoRegras(conjunto, r).Ativo) AplicarRegra(estado_, true, r, x.NivelAtual);
-      ++sel.RegraNumero;
-    }
-    RegistrarLog(estado_, TipoLog::Restantes);
-
-    const long escolhido = Sortear();
+    const long escolhido = EscolherMusica();
     const Acervo& a = estado_.acervo;
     const int32_t codigo = a.AcervoCodigos[escolhido];
     const DataHora momento = sel.DataHoraReferencia;

@@ -45,6 +45,10 @@ class Motor {
   // One call of the selection run: reads the level and the advance click, chooses songs until
   // the queue holds two, and hands each over through temp/ and list/.
   ResultadoExecucao TestarRegras();
+  // The heart of one selection, without files or waits: the run's log entry, every song a
+  // candidate, the active rules of the level's set in file order, the remaining songs and the
+  // draw (or the forced song). Returns the chosen slot.
+  long EscolherMusica();
 
   // Cause of the last error the start-up absorbed, if any.
   const std::optional<std::string>& UltimoErro() const { return ultimoErro_; }

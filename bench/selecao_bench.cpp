@@ -1,0 +1,91 @@
+// One selection of the run over a full station: 4001 songs, a full history and 34 rules per set
+// of the kinds the demo uses, without the waits (frozen clock) and without the periodic reload.
+#include <benchmark/benchmark.h>
+
+#include <filesystem>
+#include <memory>
+
+#include "base/ambiente.h"
+#include "cli/demo.h"
+#include "engine/motor.h"
+#include "stores/saida.h"
+
+namespace {
+
+using namespace lumavox;
+namespace fs = std::filesystem;
+
+const fs::path& EstacaoSelecao() {
+  static const fs::path pasta = [] {
+    fs::path p = fs::temp_directory_path() / "lumavox-bench-selecao";
+    fs::remove_all(p);
+    cli::OpcoesDemo op;
+    op.musicas = 4001;
+    op.regrasPorConjunto = 34;
+    op.bytesMre = 16;
+    op.playlistNoturna = false;
+    op.tocadasNoBanco = 0;
+    cli::GerarEstacaoDemo(p, op);
+    return p;
+  }();
+  return pasta;
+}
+
+void BM_UmaSelecao(benchmark::State& state) {
+  AmbienteFixo ambiente(MontarDataHora(2026, 11, 22, 10, 0, 0), 11);
+  Motor motor(EstacaoSelecao(), ambiente);
+  motor.Iniciar();
+  Estado& e = motor.E();
+  Historico& h = e.historico;
+  for (long p = -500; p < 3000; ++p) {
+    h.HistoricoCodigos[p] = e.acervo.AcervoCodigos[(p + 500) * 7 % 4001];
+    h.HistoricoDatas[p] = SomarSegundos(ambiente.Agora(), -180 * (3000 - p));
+  }
+  h.TotalTocadas = 3000;
+  h.Alterado();
+  motor.TestarRegras();  // the start-up call fills the queue
+  const fs::path fila = EstacaoSelecao() / "list";
+  for (auto _ : state) {
+    state.PauseTiming();
+    ApagarArquivo(ListarArquivos(fila, ".lre").front());  // the player took one
+    e.ContagemRecarga = 100;
+    state.ResumeTiming();
+    benchmark::DoNotOptimize(motor.TestarRegras());
+  }
+  state.counters["regras_ativas"] = 0;
+  for (long r = 0; r < e.catalogo.QuantidadeRegras[0]; ++r)
+    state.counters["regras_ativas"] += e.catalogo.CatalogoRegras(0, r).Ativo ? 1 : 0;
+}
+// The same selection without the files: rules, log model and draw.
+void BM_UmaSelecaoSemArquivos(benchmark::State& state) {
+  AmbienteFixo ambiente(MontarDataHora(2026, 11, 22, 10, 0, 0), 11);
+  Motor motor(EstacaoSelecao(), ambiente);
+  motor.Iniciar();
+  Estado& e = motor.E();
+  Historico& h = e.historico;
+  for (long p = -500; p < 3000; ++p) {
+    h.HistoricoCodigos[p] = e.acervo.AcervoCodigos[(p + 500) * 7 % 4001];
+    h.HistoricoDatas[p] = SomarSegundos(ambiente.Agora(), -180 * (3000 - p));
+  }
+  h.TotalTocadas = 3000;
+  h.Alterado();
+  e.selecao.DataHoraReferencia = ambiente.Agora();
+  e.execucao.NivelAtual = 50;
+  for (auto _ : state) {
+    const long slot = motor.EscolherMusica();
+    // The chosen song joins the history, as after a real selection.
+    state.PauseTiming();
+    h.HistoricoCodigos[h.TotalTocadas] = e.acervo.AcervoCodigos[slot];
+    h.HistoricoDatas[h.TotalTocadas] = e.selecao.DataHoraReferencia;
+    ++h.TotalTocadas;
+    if (h.TotalTocadas > 3400) h.TotalTocadas = 3000;
+    h.Alterado();
+    e.selecao.DataHoraReferencia = SomarSegundos(e.selecao.DataHoraReferencia, 180);
+    state.ResumeTiming();
+  }
+}
+BENCHMARK(BM_UmaSelecaoSemArquivos)->Unit(benchmark::kMillisecond)->Repetitions(5)->ReportAggregatesOnly(true);
+
+BENCHMARK(BM_UmaSelecao)->Unit(benchmark::kMillisecond)->Repetitions(5)->ReportAggregatesOnly(true);
+
+}  // namespace
