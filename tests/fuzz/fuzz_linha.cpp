@@ -1,0 +1,67 @@
+// The line decoder of the collection and rules files: arbitrary lines, the encoder's inverse,
+// and the file reader's two paths (pure ASCII straight from the bytes, anything else through
+// the text decoding) giving the same lines.
+#include <optional>
+#include <vector>
+
+#include "base/texto.h"
+#include "fuzz_apoio.h"
+#include "stores/codec.h"
+
+using namespace lumavox;
+namespace fs = std::filesystem;
+
+namespace {
+
+bool Utf16BemFormado(std::u16string_view t) {
+  for (size_t i = 0; i < t.size(); ++i) {
+    const bool alto = t[i] >= 0xD800 && t[i] <= 0xDBFF, baixo = t[i] >= 0xDC00 && t[i] <= 0xDFFF;
+    if (alto && i + 1 < t.size() && t[i + 1] >= 0xDC00 && t[i + 1] <= 0xDFFF) {
+      ++i;
+    } else if (alto || baixo) {
+      return false;
+    }
+  }
+  return true;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* dados, size_t tamanho) {
+  const std::string_view bytes(reinterpret_cast<const char*>(dados), tamanho);
+
+  // The bytes as one line, each byte one character.
+  const Texto linha(bytes.begin(), bytes.end());
+  Texto decodificada;
+  if (fuzz::SoErroExecucao([&] { decodificada = DecodificarLinha(linha); })) {
+    if (!Utf16BemFormado(decodificada)) fuzz::Falha("linha decodificada com surrogate solto");
+    if (DecodificarLinha(CodificarLinha(decodificada)) != decodificada)
+      fuzz::Falha("codificar e decodificar não devolve o texto");
+  }
+
+  // The bytes as UTF-16 code units: every well-formed text survives the round trip.
+  Texto unidades;
+  for (size_t i = 0; i + 1 < tamanho; i += 2)
+    unidades.push_back(static_cast<char16_t>(dados[i] | (dados[i + 1] << 8)));
+  if (Utf16BemFormado(unidades) && DecodificarLinha(CodificarLinha(unidades)) != unidades)
+    fuzz::Falha("texto UTF-16 não sobrevive a codificar e decodificar");
+
+  // The bytes as a file: the reader hands over the same lines as decoding each text line.
+  const fs::path arquivo = fuzz::PastaDeTrabalho() / "linhas.rdb";
+  fuzz::Gravar(arquivo, bytes);
+  std::vector<Texto> lidas, esperadas;
+  std::optional<CodigoErro> erroLido, erroEsperado;
+  try {
+    ParaCadaLinhaCodificada(arquivo, [&](Texto&& t) { lidas.push_back(std::move(t)); });
+  } catch (const ErroExecucao& e) {
+    erroLido = e.Codigo();
+  }
+  try {
+    for (const Texto& t : DividirLinhas(DecodificarBytes(bytes))) esperadas.push_back(DecodificarLinha(t));
+  } catch (const ErroExecucao& e) {
+    erroEsperado = e.Codigo();
+  }
+  if (lidas != esperadas || erroLido != erroEsperado)
+    fuzz::Falha("leitura do arquivo difere da decodificação linha a linha");
+  return 0;
+}
