@@ -11,6 +11,7 @@ namespace lumavox {
 enum class CodigoErro : int {
   ChamadaInvalida = 5,     // invalid argument to a procedure
   Estouro = 6,             // number does not fit the integer type
+  DivisaoPorZero = 11,     // a division whose divisor is zero
   ForaDoIntervalo = 9,     // index past an array bound
   TiposIncompativeis = 13, // text that does not convert to a number or date
   ArquivoNaoEncontrado = 53,

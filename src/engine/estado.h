@@ -13,21 +13,11 @@
 #include "engine/painel.h"
 #include "rules/pedacos.h"
 #include "stores/acervo.h"
+#include "stores/agenda.h"
 #include "stores/historico.h"
 #include "stores/playlists.h"
 
 namespace lumavox {
-
-// Six schedule tables of 360 slots with up to six filters each, cleared at every load.
-struct TabelasAgenda {
-  Vetor<int32_t, 0, 5> TabelasNumero;
-  Cubo<Texto, 6, 360, 6> TabelasGrade;
-
-  void Limpar() {
-    TabelasNumero.Preencher(0);
-    TabelasGrade.Preencher(Texto());
-  }
-};
 
 // The candidate set of the selection being made and the counters the rules and the log read.
 struct Selecao {

@@ -5,6 +5,7 @@
 
 #include "base/arquivos.h"
 #include "base/erro.h"
+#include "stores/agenda.h"
 #include "stores/debug.h"
 
 namespace lumavox {
@@ -70,6 +71,9 @@ void Motor::DefinirAcervo(int32_t CodAcervo, int16_t CarregarLogs) {
                           acervo.PastaDados / ("lxie" + std::to_string(n) + ".rdb"));
 
   estado_.agenda.Limpar();
+  // A broken table stops only its own load; the cause goes to the debug trace.
+  for (const std::string& falha : CarregarTabelasAgenda(estado_.agenda, acervo.PastaDados))
+    if (estado_.ModoDebug) EscreverDebug(DeUtf8(falha));
 
   // Zero means "load the history"; the inverted reading is how every caller uses it.
   if (CarregarLogs == 0) CarregarMusicasTocadas();

@@ -9,6 +9,7 @@ namespace {
 // One line per rule number, in number order; a new rule adds its procedure here.
 constexpr std::pair<std::u16string_view, ProcedimentoRegra> kTabela[] = {
     {u"01", Regra01},
+    {u"08", Regra08},
     {u"09", nullptr},
     {u"10", nullptr},
     {u"11", nullptr},
@@ -21,6 +22,17 @@ constexpr std::pair<std::u16string_view, ProcedimentoRegra> kTabela[] = {
     {u"19", nullptr},
     {u"20", nullptr},
     {u"21", nullptr},
+    {u"22", Regra22},
+    {u"23", Regra23},
+    {u"24", Regra24},
+    {u"25", Regra25},
+    {u"27", Regra27},
+    {u"28", Regra28},
+    {u"29", Regra29},
+    {u"30", Regra30},
+    {u"31", Regra31},
+    {u"32", Regra32},
+    {u"33", Regra33},
     {u"34", Regra34},
 };
 

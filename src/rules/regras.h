@@ -20,7 +20,21 @@ struct BuscaRegra {
 BuscaRegra ProcurarRegra(std::u16string_view id);
 
 void Regra01(Estado& e);
+void Regra08(Estado& e);
+// Whether now lies in a named period of the day (rule "08"'s X7); no period is ever in force.
+bool VerificarPeriodo(std::u16string_view periodo);
 void Regra12(Estado& e);
+void Regra22(Estado& e);
+void Regra23(Estado& e);
+void Regra24(Estado& e);
+void Regra25(Estado& e);
+void Regra27(Estado& e);
+void Regra28(Estado& e);
+void Regra29(Estado& e);
+void Regra30(Estado& e);
+void Regra31(Estado& e);
+void Regra32(Estado& e);
+void Regra33(Estado& e);
 void Regra34(Estado& e);
 
 }  // namespace lumavox

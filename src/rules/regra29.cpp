@@ -1,0 +1,22 @@
+// Rule "29": X1% chance that only songs with a type-4 mark in the log database (favourites)
+// stay.
+#include "base/numeros.h"
+#include "rules/candidatos.h"
+#include "rules/regras.h"
+#include "rules/sorteio.h"
+
+namespace lumavox {
+
+void Regra29(Estado& e) {
+  const RegrasCatalogo& r = e.catalogo.RegraAtual;
+  if (!VerificarVigencia(e, r.Valor(2), r.Valor(3), r.Valor(4))) return;
+  const int16_t chance = ParaInteiro16(ValorNumerico(r.Valor(1)));
+  if (SortearPercentual(e) > chance) return;
+
+  const Historico& h = e.historico;
+  Selecao& s = e.selecao;
+  for (long i = 0; i <= UltimoSlotDosLacos(e); ++i)
+    if (s.MusicaCandidata[i] && !h.HistoricoTipo4[i]) s.MusicaMantida[i] = false;
+}
+
+}  // namespace lumavox

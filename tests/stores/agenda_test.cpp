@@ -1,0 +1,118 @@
+// The schedule-table files: blocks and overrides, broken files, the load inside DefinirAcervo
+// and the CLI check.
+#include "stores/agenda.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "apoio/estacao.h"
+#include "cli/comandos.h"
+#include "engine/despacho.h"
+#include "engine/motor.h"
+
+namespace lumavox {
+namespace {
+
+using teste::ErroDe;
+using teste::EstacaoTeste;
+
+std::string Tabela(std::initializer_list<std::string> linhas) {
+  std::string bytes;
+  for (const std::string& l : linhas) bytes += EstacaoTeste::Codificada(l) + "\r\n";
+  return bytes;
+}
+
+const std::string kTabela7 = Tabela({"7", "0-14", "Genero:Rock;Pop", "Faixa Etária:10:20", "", "",
+                                     "3", "Estilo:Dance", "", "359", "Genero:Jazz"});
+
+TEST(TabelasAgenda, BlocosDeSlotsComFiltrosInteirosEOsUltimosVencem) {
+  EstacaoTeste st;
+  st.GravarTexto("lxtb0.rdb", kTabela7);
+  st.GravarTexto("lxtb4.rdb", Tabela({"12"}));
+  TabelasAgenda a;
+  EXPECT_TRUE(CarregarTabelasAgenda(a, st.Pasta()).empty());
+  EXPECT_EQ(a.TabelasNumero[0], 7);
+  EXPECT_EQ(a.TabelasNumero[4], 12);
+  EXPECT_EQ(a.TabelasGrade(0, 0, 0), u"Genero:Rock;Pop");
+  EXPECT_EQ(a.TabelasGrade(0, 14, 1), u"Faixa Etária:10:20");
+  EXPECT_EQ(a.TabelasGrade(0, 3, 0), u"Estilo:Dance");
+  EXPECT_EQ(a.TabelasGrade(0, 3, 1), u"");  // the later block set all six filters of slot 3
+  EXPECT_EQ(a.TabelasGrade(0, 15, 0), u"");
+  EXPECT_EQ(a.TabelasGrade(0, 359, 0), u"Genero:Jazz");  // the file may end a block
+}
+
+TEST(TabelasAgenda, TabelaQuebradaParaNaLinhaRuimEAsOutrasCarregam) {
+  EstacaoTeste st;
+  st.GravarTexto("lxtb0.rdb", kTabela7);
+  st.GravarTexto("lxtb1.rdb", Tabela({"8", "0", "Genero:Rock", "", "360", "Genero:Pop"}));
+  st.GravarTexto("lxtb2.rdb", Tabela({"9", "1", "A:1", "A:2", "A:3", "A:4", "A:5", "A:6", "A:7"}));
+  st.GravarTexto("lxtb3.rdb", Tabela({"sete"}));
+  st.GravarTexto("lxtb5.rdb", Tabela({"10", "5-2"}));
+  TabelasAgenda a;
+  a.Limpar();
+  const std::vector<std::string> falhas = CarregarTabelasAgenda(a, st.Pasta());
+  ASSERT_EQ(falhas.size(), 4u);
+  EXPECT_NE(falhas[0].find("lxtb1.rdb, linha 5"), std::string::npos) << falhas[0];
+  EXPECT_NE(falhas[1].find("lxtb2.rdb, linha 9"), std::string::npos) << falhas[1];
+  EXPECT_NE(falhas[2].find("lxtb3.rdb, linha 1"), std::string::npos) << falhas[2];
+  EXPECT_NE(falhas[3].find("lxtb5.rdb, linha 2"), std::string::npos) << falhas[3];
+  EXPECT_EQ(a.TabelasGrade(0, 0, 0), u"Genero:Rock;Pop");
+  EXPECT_EQ(a.TabelasNumero[1], 8);  // what came before the bad line stays
+  EXPECT_EQ(a.TabelasGrade(1, 0, 0), u"Genero:Rock");
+  EXPECT_EQ(a.TabelasGrade(2, 1, 0), u"");  // a block with a seventh filter is not placed
+  EXPECT_EQ(a.TabelasNumero[3], 0);
+
+  // A line that does not decode is named as well.
+  st.GravarTexto("lxtb3.rdb", Tabela({"11", "0"}) + "099999\r\n");
+  EXPECT_EQ(ErroDe([&] { CarregarTabelaAgenda(a, 3, st.Caminho("lxtb3.rdb")); }).value(),
+            CodigoErro::ChamadaInvalida);
+  EXPECT_NE(CarregarTabelasAgenda(a, st.Pasta())[2].find("lxtb3.rdb, linha 3"), std::string::npos);
+}
+
+TEST(TabelasAgenda, DefinirAcervoLeAsTabelasEUmaQuebradaNaoParaACarga) {
+  EstacaoTeste st;
+  st.Musica(1, {{"Genero", "Rock"}}).Musica(2, {{"Genero", "Jazz"}}).GravarAcervo();
+  st.Regra(0, true, "25", "", {"7", "0"}).GravarRegras();
+  st.GravarTexto("lxtb1.rdb", kTabela7);
+  st.GravarTexto("lxtb2.rdb", Tabela({"8", "x"}));
+  st.GravarTexto("debug.red", "");
+  AmbienteFixo ambiente(MontarDataHora(2026, 11, 22, 23, 58, 0));  // slot 359: Jazz
+  Motor motor(st.Pasta(), ambiente);
+  motor.DetectarModoDebug();
+  motor.AbrirPlaylists();
+  motor.E().playlists.PlaylistAtual = 0;
+  const uint64_t versao = motor.E().historico.Versao;
+  motor.DefinirAcervo(0);
+  EXPECT_GT(motor.E().historico.Versao, versao);  // the history load still ran
+  EXPECT_NE(st.Ler("debuglog.rer").find("lxtb2.rdb, linha 2"), std::string::npos);
+  EXPECT_EQ(motor.E().agenda.TabelasNumero[1], 7);
+
+  Estado& e = motor.E();
+  e.selecao.DataHoraReferencia = ambiente.Agora();
+  for (long i = 0; i < e.acervo.TotalMusicas; ++i) e.selecao.MusicaCandidata[i] = true;
+  EXPECT_TRUE(AplicarRegra(e, true, 0, 50));
+  EXPECT_FALSE(e.selecao.MusicaCandidata[0]);
+  EXPECT_TRUE(e.selecao.MusicaCandidata[1]);
+}
+
+TEST(TabelasAgenda, CliConfereEMostraATabela) {
+  EstacaoTeste st;
+  st.GravarTexto("lxtb0.rdb", kTabela7);
+  st.GravarTexto("lxtb1.rdb", Tabela({"8", "0", "Genero:Rock", "", "abc"}));
+  std::ostringstream saida, erros;
+  EXPECT_EQ(cli::Executar({"rdb", "tabela", st.Caminho("lxtb0.rdb").string()}, saida, erros), 0);
+  EXPECT_EQ(saida.str(),
+            "tabela 7\n"
+            "0-2 (00:00-00:11)\n  Genero:Rock;Pop\n  Faixa Etária:10:20\n"
+            "3 (00:12-00:15)\n  Estilo:Dance\n"
+            "4-14 (00:16-00:59)\n  Genero:Rock;Pop\n  Faixa Etária:10:20\n"
+            "359 (23:56-23:59)\n  Genero:Jazz\n");
+  std::ostringstream saida2, erros2;
+  EXPECT_EQ(cli::Executar({"rdb", "tabela", st.Caminho("lxtb1.rdb").string()}, saida2, erros2), 1);
+  EXPECT_EQ(saida2.str(), "tabela 8\n0 (00:00-00:03)\n  Genero:Rock\n");
+  EXPECT_NE(erros2.str().find("linha 5"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace lumavox
