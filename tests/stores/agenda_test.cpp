@@ -26,25 +26,10 @@ std::string Tabela(std::initializer_list<std::string> linhas) {
 const std::string kTabela7 = Tabela({"7", "0-14", "Genero:Rock;Pop", "Faixa Etária:10:20", "", "",
                                      "3", "Estilo:Dance", "", "359", "Genero:Jazz"});
 
-TEST(TabelasAgenda, BlocosDeSlotsComFiltrosInteirosEOsUltimosVencem) {
+TEST(TabelasAgenda, BlocosComFiltrosInteirosEUmaTabelaQuebradaParaNaLinhaRuim) {
   EstacaoTeste st;
   st.GravarTexto("lxtb0.rdb", kTabela7);
   st.GravarTexto("lxtb4.rdb", Tabela({"12"}));
-  TabelasAgenda a;
-  EXPECT_TRUE(CarregarTabelasAgenda(a, st.Pasta()).empty());
-  EXPECT_EQ(a.TabelasNumero[0], 7);
-  EXPECT_EQ(a.TabelasNumero[4], 12);
-  EXPECT_EQ(a.TabelasGrade(0, 0, 0), u"Genero:Rock;Pop");
-  EXPECT_EQ(a.TabelasGrade(0, 14, 1), u"Faixa Etária:10:20");
-  EXPECT_EQ(a.TabelasGrade(0, 3, 0), u"Estilo:Dance");
-  EXPECT_EQ(a.TabelasGrade(0, 3, 1), u"");  // the later block set all six filters of slot 3
-  EXPECT_EQ(a.TabelasGrade(0, 15, 0), u"");
-  EXPECT_EQ(a.TabelasGrade(0, 359, 0), u"Genero:Jazz");  // the file may end a block
-}
-
-TEST(TabelasAgenda, TabelaQuebradaParaNaLinhaRuimEAsOutrasCarregam) {
-  EstacaoTeste st;
-  st.GravarTexto("lxtb0.rdb", kTabela7);
   st.GravarTexto("lxtb1.rdb", Tabela({"8", "0", "Genero:Rock", "", "360", "Genero:Pop"}));
   st.GravarTexto("lxtb2.rdb", Tabela({"9", "1", "A:1", "A:2", "A:3", "A:4", "A:5", "A:6", "A:7"}));
   st.GravarTexto("lxtb3.rdb", Tabela({"sete"}));
@@ -57,8 +42,13 @@ TEST(TabelasAgenda, TabelaQuebradaParaNaLinhaRuimEAsOutrasCarregam) {
   EXPECT_NE(falhas[1].find("lxtb2.rdb, linha 9"), std::string::npos) << falhas[1];
   EXPECT_NE(falhas[2].find("lxtb3.rdb, linha 1"), std::string::npos) << falhas[2];
   EXPECT_NE(falhas[3].find("lxtb5.rdb, linha 2"), std::string::npos) << falhas[3];
+  EXPECT_EQ(a.TabelasNumero[0], 7);
+  EXPECT_EQ(a.TabelasNumero[4], 12);
   EXPECT_EQ(a.TabelasGrade(0, 0, 0), u"Genero:Rock;Pop");
-  EXPECT_EQ(a.TabelasNumero[1], 8);  // what came before the bad line stays
+  EXPECT_EQ(a.TabelasGrade(0, 14, 1), u"Faixa Etária:10:20");
+  EXPECT_EQ(a.TabelasGrade(0, 3, 1), u"");  // the later block set all six filters of slot 3
+  EXPECT_EQ(a.TabelasGrade(0, 359, 0), u"Genero:Jazz");  // the file may end a block
+  EXPECT_EQ(a.TabelasNumero[1], 8);                      // what came before the bad line stays
   EXPECT_EQ(a.TabelasGrade(1, 0, 0), u"Genero:Rock");
   EXPECT_EQ(a.TabelasGrade(2, 1, 0), u"");  // a block with a seventh filter is not placed
   EXPECT_EQ(a.TabelasNumero[3], 0);
