@@ -1,0 +1,254 @@
+#include "app/regras_teste.h"
+
+#include <gtest/gtest.h>
+
+#include <QCheckBox>
+#include <QElapsedTimer>
+#include <QImage>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTabWidget>
+#include <QTest>
+#include <QTimer>
+#include <csignal>
+
+#include "apoio/estacao.h"
+#include "app/ambiente_janela.h"
+#include "app/arvore_log.h"
+#include "app/cls_tray_icon.h"
+#include "app/lista_arquivos.h"
+#include "app/sinais.h"
+#include "cli/demo.h"
+
+namespace lumavox::app {
+namespace {
+
+namespace fs = std::filesystem;
+
+class Janela : public ::testing::Test {
+ protected:
+  // Debug mode rewrites debuglog.rer for every line of the collection: keep those stations small.
+  void Abrir(bool debug, int musicas = 300) {
+    cli::OpcoesDemo opcoes;
+    opcoes.musicas = musicas;
+    cli::GerarEstacaoDemo(estacao.Pasta(), opcoes);
+    if (debug) estacao.GravarTexto("debug.red", "");
+    form = std::make_unique<RegrasTeste>(estacao.Pasta(), &ambiente);
+    form->Form_Load();
+  }
+  template <typename T>
+  T* C(const char* nome) {
+    T* controle = form->findChild<T*>(nome);
+    EXPECT_NE(controle, nullptr) << nome;
+    return controle;
+  }
+  QTreeWidgetItem* Selecao(const char* chave) { return C<ArvoreLog>("Tree1")->ProcurarSelecao(chave); }
+  std::vector<fs::path> Fila() {
+    std::vector<fs::path> fila;
+    for (const auto& f : fs::directory_iterator(estacao.Caminho("list"))) fila.push_back(f.path());
+    return fila;
+  }
+
+  teste::EstacaoTeste estacao;
+  AmbienteFixo ambiente{MontarDataHora(2026, 11, 22, 10, 0, 0), 7};
+  std::unique_ptr<RegrasTeste> form;
+};
+
+TEST_F(Janela, ControlesNaOrdemComNomesELegendas) {
+  Abrir(false);
+  const QStringList esperados = {"textPlaylist", "Command1", "Text1", "Timer1", "File1", "Check1", "SSTab1",
+                                 "Tree1", "Label3", "Label2", "Label1", "mnuPopUp", "itmFechar"};
+  QStringList achados;
+  for (QObject* o : form->findChildren<QObject*>())
+    if (esperados.contains(o->objectName())) achados.append(o->objectName());
+  EXPECT_EQ(achados, esperados);
+
+  EXPECT_EQ(form->windowTitle(), "Form1");
+  EXPECT_EQ(C<QPushButton>("Command1")->text(), "GerarMusica :");
+  EXPECT_EQ(C<QCheckBox>("Check1")->text(), "Check1");
+  EXPECT_EQ(C<QLabel>("Label3")->text(), "Playlist Atual :");
+  EXPECT_EQ(C<QLabel>("Label1")->text(), "Label1");
+  auto* tab = C<QTabWidget>("SSTab1");
+  ASSERT_EQ(tab->count(), 2);
+  EXPECT_EQ(tab->tabText(0), "Debug Original");
+  EXPECT_EQ(tab->tabText(1), "Arvore");
+  EXPECT_EQ(tab->widget(1), C<ArvoreLog>("Tree1"));
+  EXPECT_EQ(C<QMenu>("mnuPopUp")->title(), "Popup Menu");
+  EXPECT_EQ(C<QAction>("itmFechar")->text(), "Fechar");
+  EXPECT_EQ(C<ListaArquivos>("File1")->Padrao(), "*.mre");
+  auto* timer = C<QTimer>("Timer1");
+  EXPECT_TRUE(timer->isActive());
+  EXPECT_TRUE(timer->isSingleShot());
+  EXPECT_EQ(timer->interval(), 1000);
+}
+
+TEST_F(Janela, ForaDoModoDebugSemIconeNemJanelaNemLinhasDeDebug) {
+  Abrir(false);
+  EXPECT_FALSE(form->ModoDebug());
+  EXPECT_EQ(form->TrayIcon(), nullptr);
+  EXPECT_FALSE(C<QCheckBox>("Check1")->isChecked());
+  EXPECT_FALSE(form->isVisible());
+  EXPECT_FALSE(estacao.Existe("debuglog.rer"));
+  EXPECT_EQ(C<QLineEdit>("textPlaylist")->text().toStdString(), estacao.Pasta().string());
+}
+
+TEST_F(Janela, ModoDebugComIconeJanelaELinhasNaOrdemDaPartida) {
+  QImage vermelho(16, 16, QImage::Format_ARGB32);
+  vermelho.fill(Qt::red);
+  ASSERT_TRUE(vermelho.save(QString::fromStdString(estacao.Caminho("lumavox.ico").string()), "ICO"));
+  Abrir(true, 5);
+  ASSERT_NE(form->TrayIcon(), nullptr);
+  QSystemTrayIcon& icone = form->TrayIcon()->Icone();
+  EXPECT_TRUE(icone.isVisible());
+  EXPECT_EQ(icone.toolTip(), "Lumavox");
+  EXPECT_EQ(icone.icon().pixmap(16).toImage().pixelColor(8, 8), QColor(Qt::red));
+  EXPECT_TRUE(C<QCheckBox>("Check1")->isChecked());
+  EXPECT_TRUE(form->isVisible());
+  // The playlists were read before the collection load replaced the line.
+  EXPECT_EQ(C<QPlainTextEdit>("TextoDebug")->toPlainText(), "Abriu Playlists\nMusica: 5");
+  EXPECT_EQ(estacao.Ler("debuglog.rer"), "Musica: 5\n");
+
+  // The icon's double click reaches the window through the form.
+  form->showMinimized();
+  emit icone.activated(QSystemTrayIcon::DoubleClick);
+  EXPECT_FALSE(form->windowState() & Qt::WindowMinimized);
+}
+
+TEST_F(Janela, BotaoGuardaOCodigoPedido) {
+  Abrir(false);
+  Execucao& x = form->MotorSelecao().E().execucao;
+  C<QLineEdit>("Text1")->setText("123");
+  QTest::mouseClick(C<QPushButton>("Command1"), Qt::LeftButton);
+  EXPECT_EQ(x.MusicaForcada, 123);
+  C<QLineEdit>("Text1")->setText("abc");
+  C<QPushButton>("Command1")->click();
+  EXPECT_EQ(x.MusicaForcada, 0);
+}
+
+TEST_F(Janela, ExecucaoPreencheArvoreFilaERearmaOTimer) {
+  Abrir(false);
+  C<QLineEdit>("Text1")->setText("1035");
+  C<QPushButton>("Command1")->click();
+  QSignalSpy terminou(form.get(), &RegrasTeste::ExecucaoTerminada);
+  form->Timer1_Timer();
+  EXPECT_EQ(terminou.count(), 1);
+  EXPECT_TRUE(C<QTimer>("Timer1")->isActive());
+  EXPECT_EQ(C<QLabel>("Label2")->text(), "0");
+
+  // The queue holds two songs; the first is the one asked for.
+  auto* file1 = C<ListaArquivos>("File1");
+  EXPECT_EQ(file1->Padrao(), "*.lre");
+  EXPECT_EQ(file1->Nomes().size(), 2);
+  EXPECT_TRUE(file1->Nomes().value(0).startsWith("000001_0001035_"));
+
+  QTreeWidgetItem* p0 = Selecao("P0");
+  ASSERT_NE(p0, nullptr);
+  ASSERT_NE(Selecao("P1"), nullptr);
+  EXPECT_TRUE(ArvoreLog::Chave(p0->child(0)).startsWith("R0_"));
+  QTreeWidgetItem* escolhida = ArvoreLog::ProcurarFilho(p0, "E0");
+  ASSERT_NE(escolhida, nullptr);
+  EXPECT_TRUE(escolhida->text(0).endsWith("-> 1035"));
+
+  // Song entries appear when their entry is opened, with their keys.
+  QTreeWidgetItem* restantes = ArvoreLog::ProcurarFilho(p0, "M0");
+  ASSERT_NE(restantes, nullptr);
+  EXPECT_EQ(restantes->childCount(), 0);
+  restantes->setExpanded(true);
+  ASSERT_GT(restantes->childCount(), 0);
+  EXPECT_TRUE(ArvoreLog::Chave(restantes->child(0)).startsWith("MR0_"));
+  EXPECT_TRUE(restantes->text(0).startsWith(QString("MUSICAS RESTANTES: %1 ").arg(restantes->childCount())));
+}
+
+TEST_F(Janela, IconeSemFiguraFecharORemoveEEncerra) {
+  Abrir(true, 5);
+  // No lumavox.ico: the icon is there, blank.
+  const QImage figura = form->TrayIcon()->Icone().icon().pixmap(16).toImage();
+  EXPECT_TRUE(form->TrayIcon()->Icone().isVisible());
+  EXPECT_EQ(figura.pixelColor(8, 8).alpha(), 0);
+
+  QSignalSpy encerrou(form.get(), &RegrasTeste::ProgramaEncerrado);
+  C<QAction>("itmFechar")->trigger();
+  EXPECT_EQ(encerrou.count(), 1);
+  EXPECT_FALSE(form->TrayIcon()->Icone().isVisible());
+  EXPECT_FALSE(C<QTimer>("Timer1")->isActive());
+  form->Timer1_Timer();
+  EXPECT_TRUE(Fila().empty());
+}
+
+TEST_F(Janela, FecharDuranteAExecucaoAbandonaONaHora) {
+  Abrir(false);
+  QTimer::singleShot(0, form.get(), &QWidget::close);
+  form->Timer1_Timer();
+  EXPECT_TRUE(form->Encerrado());
+  EXPECT_TRUE(Fila().empty());
+  EXPECT_FALSE(C<QTimer>("Timer1")->isActive());
+}
+
+TEST_F(Janela, SigtermEncerraComoFechar) {
+  Abrir(false);
+  SinaisDeParada sinais;
+  QObject::connect(&sinais, &SinaisDeParada::Parar, form.get(), &QWidget::close);
+  QSignalSpy encerrou(form.get(), &RegrasTeste::ProgramaEncerrado);
+  std::raise(SIGTERM);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return encerrou.count() == 1; }, 2000));
+}
+
+TEST(AmbienteJanela, EsperaAtendeEventosEFechamentoAInterrompe) {
+  AmbienteJanela ambiente;
+  bool atendido = false;
+  QTimer::singleShot(0, [&] { atendido = true; });
+  ambiente.Esperar(30);
+  EXPECT_TRUE(atendido);
+
+  QTimer::singleShot(20, [&] { ambiente.Interromper(); });
+  QElapsedTimer relogio;
+  relogio.start();
+  EXPECT_THROW(ambiente.Esperar(60000), Encerramento);
+  EXPECT_LT(relogio.elapsed(), 5000);
+  EXPECT_THROW(ambiente.Esperar(0), Encerramento);
+}
+
+TEST(ArvoreLog, GuardaAsSelecoesQueOLogGuardaEAcompanhaAUltima) {
+  LogRegras log;
+  ArvoreLog arvore;
+  auto Selecao = [](int n, const char16_t* texto) {
+    NoLog no;
+    no.chave = "P" + std::to_string(n);
+    no.texto = texto;
+    return no;
+  };
+  for (int n = 0; n < 60; ++n) {
+    log.NovaSelecao(Selecao(n, u"NOVA"));
+    if (n % 7 == 0) arvore.Sincronizar(log);
+  }
+  arvore.Sincronizar(log);
+  ASSERT_EQ(arvore.topLevelItemCount(), static_cast<int>(LogRegras::kSelecoesGuardadas));
+  EXPECT_EQ(ArvoreLog::Chave(arvore.topLevelItem(0)), "P10");
+  EXPECT_TRUE(arvore.topLevelItem(49)->isExpanded());
+  EXPECT_FALSE(arvore.topLevelItem(48)->isExpanded());
+
+  NoLog regra;
+  regra.chave = "R59_1";
+  regra.musicas = {{1000, 0}, {1007, 1}};
+  log.Atual()->filhos.push_back(regra);
+  arvore.Sincronizar(log);
+  QTreeWidgetItem* item = ArvoreLog::ProcurarFilho(arvore.topLevelItem(49), "R59_1");
+  ASSERT_NE(item, nullptr);
+  item->setExpanded(true);
+  ASSERT_EQ(item->childCount(), 2);
+  EXPECT_EQ(ArvoreLog::Chave(item->child(1)), "n59_1_1");
+  EXPECT_EQ(item->child(1)->text(0), "1007");
+
+  // A selection replaced under the same key is drawn again.
+  log.NovaSelecao(Selecao(59, u"OUTRA"));
+  arvore.Sincronizar(log);
+  EXPECT_EQ(arvore.topLevelItem(49)->text(0), "OUTRA");
+  EXPECT_EQ(arvore.topLevelItem(49)->childCount(), 0);
+}
+
+}  // namespace
+}  // namespace lumavox::app
