@@ -83,7 +83,7 @@ void RegistrarLog(Estado& e, TipoLog tipo, int32_t valor, int16_t contagem, cons
   switch (tipo) {
     case TipoLog::Inicio: {
       Texto texto = u"NOVA SELEÇÃO " + Num(n) + u" - " + DeUtf8(FormatarIso(s.DataHoraReferencia)) +
-                    u" - NIVEL " + Num(s.NivelRitmo);
+                    u" - NIVEL " + Num(e.execucao.NivelAtual);
       e.log.NovaSelecao(Entrada(agora, Chave("P", n), std::move(texto), tipo));
       return;
     }

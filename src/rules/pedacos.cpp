@@ -124,7 +124,8 @@ void CacheTags::Limpar() {
 
 const PedacosTexto& CacheTags::DoSlot(long slot, int16_t campo, std::u16string_view texto) {
   if (!slots_) slots_ = std::make_unique<PedacosTexto[]>(static_cast<size_t>(kSlots * kCampos));
-  PedacosTexto& p = slots_[static_cast<size_t>(slot * kCampos + campo)];
+  // Field-major, so a loop over the collection for one field walks neighbouring entries.
+  PedacosTexto& p = slots_[static_cast<size_t>(campo * kSlots + slot)];
   // An entry never prepared is the form of the empty text, which is right for an empty tag.
   if (!p.MesmoTexto(texto)) p.Preparar(texto, TipoDoCampo(campo));
   return p;

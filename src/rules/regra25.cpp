@@ -30,16 +30,17 @@ void Regra25(Estado& e) {
     const PartesData agora = Decompor(e.selecao.DataHoraReferencia);
     slot = (agora.hora * 60 + agora.minuto) / 4;
   }
-  std::vector<const Texto*> filtros;
+  // An empty filter accepts every song, so only the others are tested.
+  std::vector<FiltroPreparado> filtros;
   for (long k = 0; k < kFiltrosAgenda; ++k)
-    if (const Texto& f = a.TabelasGrade(lugar, slot, k); !f.empty()) filtros.push_back(&f);
+    if (const Texto& f = a.TabelasGrade(lugar, slot, k); !f.empty()) filtros.push_back(FiltroParaLaco(e, f));
   if (filtros.empty()) return;
 
   Selecao& s = e.selecao;
   for (long i = 0; i <= UltimoSlotDosLacos(e); ++i) {
     if (!s.MusicaCandidata[i]) continue;
-    for (const Texto* f : filtros) {
-      if (!ConferirTagArtista(e, *f, i)) {
+    for (const FiltroPreparado& f : filtros) {
+      if (!ConferirTagArtista(e, f, i)) {
         s.MusicaMantida[i] = false;
         break;
       }

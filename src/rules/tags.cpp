@@ -84,7 +84,12 @@ bool ConferirTag(Estado& e, std::u16string_view filtro, long slot) {
 }
 
 bool ConferirTagArtista(Estado& e, std::u16string_view filtro, long slot) {
-  const FiltroPreparado& f = PrepararFiltro(e, filtro);
+  return ConferirTagArtista(e, PrepararFiltro(e, filtro), slot);
+}
+
+FiltroPreparado FiltroParaLaco(Estado& e, std::u16string_view filtro) { return PrepararFiltro(e, filtro); }
+
+bool ConferirTagArtista(Estado& e, const FiltroPreparado& f, long slot) {
   if (f.aceitaTudo) return true;
   if (f.campo == kCampoDesconhecido) return false;
   const PedacosTexto& tag = e.cacheTags.DoSlot(slot, f.campo, e.acervo.AcervoTags(slot, f.campo));

@@ -26,6 +26,11 @@ bool TerminaComGeral(std::u16string_view texto);
 bool ConferirTag(Estado& e, std::u16string_view filtro, long slot);
 // The same filter test made with CompararArtistas (whole-value match, "POP" pieces skipped).
 bool ConferirTagArtista(Estado& e, std::u16string_view filtro, long slot);
+// A filter prepared once, for a rule that tests several filters in turn over the collection
+// (the memo of recent filters would otherwise be searched at every song).
+FiltroPreparado FiltroParaLaco(Estado& e, std::u16string_view filtro);
+bool ConferirTagArtista(Estado& e, const FiltroPreparado& filtro, long slot);
+
 // Whether `pedaco` equals one of the pieces of `lista` split as field `campo` splits.
 bool ConferirPedaco(std::u16string_view pedaco, std::u16string_view lista, int16_t campo);
 
