@@ -11,6 +11,7 @@
 #include "engine/catalogo.h"
 #include "engine/log.h"
 #include "engine/painel.h"
+#include "rules/indice_historico.h"
 #include "rules/pedacos.h"
 #include "stores/acervo.h"
 #include "stores/agenda.h"
@@ -55,6 +56,8 @@ struct Estado {
   Execucao execucao;
   // Prepared tag texts for the tag comparisons; always checked against AcervoTags.
   CacheTags cacheTags;
+  // The plays chained by song for the rules that look up each candidate's plays.
+  IndiceHistorico indiceHistorico;
   LogRegras log;
 
   // The machine the engine runs on (clock, random source) and whoever shows it; set by Motor.

@@ -20,14 +20,23 @@ struct BuscaRegra {
 BuscaRegra ProcurarRegra(std::u16string_view id);
 
 void Regra01(Estado& e);
+// The hours of "02" come from Var3 unless a positive value is given here; the table passes 0.
+void Regra02(Estado& e, double horas);
+void Regra03(Estado& e);
+void Regra04(Estado& e);
+void Regra05(Estado& e);
+void Regra06(Estado& e);
+void Regra07(Estado& e);
 void Regra08(Estado& e);
 // Whether now lies in a named period of the day (rule "08"'s X7); no period is ever in force.
 bool VerificarPeriodo(std::u16string_view periodo);
 void Regra12(Estado& e);
+void Regra13(Estado& e);
 void Regra22(Estado& e);
 void Regra23(Estado& e);
 void Regra24(Estado& e);
 void Regra25(Estado& e);
+void Regra26(Estado& e);
 void Regra27(Estado& e);
 void Regra28(Estado& e);
 void Regra29(Estado& e);

@@ -37,6 +37,15 @@ EstadoTeste& EstadoTeste::Tocadas(std::initializer_list<int32_t> codigos) {
   return *this;
 }
 
+EstadoTeste& EstadoTeste::TocadaEm(int32_t codigo, DataHora quando) {
+  Historico& h = estado_->historico;
+  h.HistoricoCodigos[h.TotalTocadas] = codigo;
+  h.HistoricoDatas[h.TotalTocadas] = quando;
+  ++h.TotalTocadas;
+  h.Alterado();
+  return *this;
+}
+
 EstadoTeste& EstadoTeste::TodasCandidatas() {
   for (long i = 0; i < estado_->acervo.TotalMusicas; ++i) {
     estado_->selecao.MusicaCandidata[i] = true;

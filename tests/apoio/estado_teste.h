@@ -26,6 +26,8 @@ class EstadoTeste {
   // Appends plays to the history at positions 0.. (oldest first), one minute apart, ending a
   // minute before the reference moment.
   EstadoTeste& Tocadas(std::initializer_list<int32_t> codigos);
+  // Appends one play at the next position, at a given moment.
+  EstadoTeste& TocadaEm(int32_t codigo, DataHora quando);
   // Marks every loaded song as a candidate.
   EstadoTeste& TodasCandidatas();
   // Puts a rule into set `conjunto` at index `indice` (vars are Var1..).

@@ -1,0 +1,59 @@
+#include "rules/indice_historico.h"
+
+#include "engine/estado.h"
+#include "rules/candidatos.h"
+
+namespace lumavox {
+
+void IndiceHistorico::Construir(Estado& e) {
+  const Historico& h = e.historico;
+  const long topo = h.TotalTocadas - 1;
+  if (topo >= kPosicaoMaisAntiga) (void)h.HistoricoCodigos[topo];
+
+  const std::size_t posicoes = Deslocada(kUltimaPosicao) + 1;
+  primeiraDoCodigo_.clear();
+  seguinteDoCodigo_.assign(posicoes, static_cast<int16_t>(kFim));
+  primeiraDoSlot_.assign(kTotalSlots, static_cast<int16_t>(kFim));
+  seguinteDoSlot_.assign(posicoes, static_cast<int16_t>(kFim));
+
+  // Scans that stop at an empty entry see nothing below the newest one.
+  long parada = kPosicaoMaisAntiga - 1;
+  for (long p = topo; p >= kPosicaoMaisAntiga; --p)
+    if (h.HistoricoCodigos[p] <= 0) {
+      parada = p;
+      break;
+    }
+
+  // Oldest first, each position pushed in front of its chain, so chains read newest first.
+  for (long p = kPosicaoMaisAntiga; p <= topo; ++p) {
+    const int32_t codigo = h.HistoricoCodigos[p];
+    const auto posicao = static_cast<int16_t>(p);
+    if (codigo > 0) {
+      auto [it, nova] = primeiraDoCodigo_.try_emplace(codigo, posicao);
+      if (!nova) {
+        seguinteDoCodigo_[Deslocada(p)] = it->second;
+        it->second = posicao;
+      }
+    }
+    if (p > parada) {
+      int16_t& primeira = primeiraDoSlot_[static_cast<std::size_t>(LocalizarMusicaTocada(e, p))];
+      seguinteDoSlot_[Deslocada(p)] = primeira;
+      primeira = posicao;
+    }
+  }
+}
+
+const IndiceHistorico& IndiceDoHistorico(Estado& e) {
+  IndiceHistorico& ix = e.indiceHistorico;
+  if (ix.versaoHistorico_ != e.historico.Versao || ix.versaoCodigos_ != e.acervo.VersaoCodigos ||
+      ix.totalTocadas_ != e.historico.TotalTocadas) {
+    ix.versaoHistorico_ = ~0ull;  // a build that raises leaves the index marked stale
+    ix.Construir(e);
+    ix.versaoHistorico_ = e.historico.Versao;
+    ix.versaoCodigos_ = e.acervo.VersaoCodigos;
+    ix.totalTocadas_ = e.historico.TotalTocadas;
+  }
+  return ix;
+}
+
+}  // namespace lumavox

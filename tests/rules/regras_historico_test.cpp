@@ -1,0 +1,213 @@
+// Rules "02" to "07", "13" and "26": the ones that look at the plays or the advance click.
+#include <gtest/gtest.h>
+
+#include <array>
+
+#include "apoio/estado_teste.h"
+#include "base/erro.h"
+#include "engine/despacho.h"
+#include "rules/regras.h"
+
+namespace lumavox {
+namespace {
+
+using teste::EstadoTeste;
+using Codigos = std::vector<int32_t>;
+
+constexpr int kArtista = 0, kGenero = 5, kNota = 8, kRitmo = 24;
+
+DataHora Dia(int dia, int hora, int minuto = 0) { return MontarDataHora(2026, 11, dia, hora, minuto); }
+int Percentual(AmbienteFixo& a) { return static_cast<int>(a.Aleatorio() * 100.0f + 1.0f); }
+
+// Applies the rule on every loaded song and returns the codes it keeps.
+template <typename F>
+Codigos Aplicar(EstadoTeste& t, F regra, std::string id, std::vector<std::string> vars) {
+  t.TodasCandidatas().RegraAtual(std::move(id), std::move(vars));
+  regra(t.E());
+  return t.Mantidas();
+}
+
+TEST(Regra02, NaoRepeteOValorDentroDasHorasESimSoRepete) {
+  EstadoTeste t;  // now 22/11 10:00
+  t.Musica(1, {{kArtista, "Ana"}}).Musica(2, {{kArtista, "Ana feat Bia"}}).Musica(3, {{kArtista, "Caio"}})
+      .Musica(4, {{kArtista, "Bia"}});
+  t.TocadaEm(4, Dia(22, 4)).TocadaEm(1, Dia(22, 8));
+  auto R02 = [&](std::vector<std::string> vars, double horas = 0) {
+    return Aplicar(t, [horas](Estado& e) { Regra02(e, horas); }, "02", std::move(vars));
+  };
+  EXPECT_EQ(R02({"Não", "Artista:Geral*", "3"}), (Codigos{3, 4}));
+  EXPECT_EQ(R02({"Não", "Artista:Geral*", "6"}), (Codigos{3}));  // 360 minutes still count
+  EXPECT_EQ(R02({"Não", "Artista:Geral*", "1"}, 6), (Codigos{3}));
+  EXPECT_EQ(R02({"sim", "Artista:Geral*", "3"}), (Codigos{3, 4}));
+  EXPECT_EQ(R02({"Sim", "Artista:Geral*", "3"}), (Codigos{1, 2}));
+  // A named value limits the rule to the songs and plays that carry it.
+  EXPECT_EQ(R02({"Não", "Artista:Bia", "6"}), (Codigos{1, 3}));
+  EXPECT_EQ(R02({"Sim", "Artista:Bia", "6"}), (Codigos{2, 4}));
+  for (std::vector<std::string> nada : {std::vector<std::string>{"Sim", "Artista:Geral*", "1"},
+                                        {"", "Artista:Geral*", "3"}, {"Não", "Artista:Geral*", "0"},
+                                        {"Sim", "Cor:Geral*", "3"}, {"Não", "Artista:Geral*", "3", "21/11/2026"}})
+    EXPECT_EQ(R02(nada).size(), 4u);
+  EXPECT_EQ(R02({"Não", "Artista:Geral*", ""}, 3).size(), 4u);
+
+  // Database plays count down to position -500; the table passes no hours of its own.
+  t->historico.HistoricoCodigos[-500] = 3;
+  t->historico.HistoricoDatas[-500] = Dia(22, 9);
+  t->historico.HistoricoCodigos[-501] = 4;
+  t->historico.HistoricoDatas[-501] = Dia(22, 9);
+  t->historico.Alterado();
+  t.TodasCandidatas().Regra(0, 0, "02", {"Não", "Artista:Geral*", "3"});
+  EXPECT_TRUE(AplicarRegra(t.E(), true, 0, 50));
+  EXPECT_EQ(t.Candidatas(), (Codigos{4}));
+}
+
+TEST(Regra03, TrocaOuMantemNoCliqueOuDesdeEle) {
+  EstadoTeste t;
+  t.Musica(1, {{kGenero, "Rock"}}).Musica(2, {{kGenero, "Pop"}}).Musica(3, {{kGenero, "Jazz"}});
+  auto R03 = [&](int16_t clique, std::vector<std::string> vars) {
+    t->selecao.CliqueAtual = clique;
+    return Aplicar(t, Regra03, "03", std::move(vars));
+  };
+  EXPECT_EQ(R03(1, {"1", "Sim", "Genero:Geral*", "Não"}).size(), 3u);  // no last song yet
+  t.Tocadas({1});
+  EXPECT_EQ(R03(1, {"1", "Sim", "Genero:Geral*", "Não"}), (Codigos{2, 3}));
+  EXPECT_EQ(R03(2, {"1", "Sim", "Genero:Geral*", "Não"}).size(), 3u);
+  EXPECT_EQ(R03(3, {"1", "sim", "Genero:Geral*", "Sim"}), (Codigos{2, 3}));
+  EXPECT_EQ(R03(0, {"0", "Sim", "Genero:Geral*", "Sim"}).size(), 3u);
+  EXPECT_EQ(R03(1, {"1", "Não", "Genero:Geral*", "Não"}), (Codigos{1}));
+  EXPECT_EQ(R03(1, {"1", "Não", "Genero:Pop", "Não"}), (Codigos{2}));
+  EXPECT_EQ(R03(1, {"1", "Sim", "Genero:Pop", "Não"}), (Codigos{1, 3}));
+}
+
+TEST(Regra04, UmSorteioPorNotaDaDezAZeroEForaDaTabelaEncerraARegra) {
+  // Chance of ratings 0..10 for X1 = 10, 5 and 0: ratings above X1 get 50.
+  const std::pair<int, std::array<int, 11>> chances[] = {{10, {5, 10, 20, 30, 40, 50, 60, 70, 80, 90, 100}},
+                                                         {5, {50, 60, 70, 80, 90, 100, 50, 50, 50, 50, 50}},
+                                                         {0, {100, 50, 50, 50, 50, 50, 50, 50, 50, 50, 50}}};
+  for (const auto& [x1, chance] : chances)
+    for (uint32_t semente = 1; semente <= 8; ++semente) {
+      EstadoTeste t(Dia(22, 10), semente);
+      for (int n = 0; n <= 10; ++n) t.Musica(100 + n, {{kNota, std::to_string(n)}});
+      t.Musica(206, {{kNota, "6,5"}}).Musica(300);  // 6,5 rounds to 6; no rating counts as 0
+      const Codigos mantidas = Aplicar(t, Regra04, "04", {std::to_string(x1)});
+      AmbienteFixo gemeo(DataHora{}, semente);
+      std::array<bool, 11> sim{};
+      for (int j = 10; j >= 0; --j) sim[j] = Percentual(gemeo) <= chance[j];
+      Codigos esperadas;
+      for (int n = 0; n <= 10; ++n)
+        if (sim[n]) esperadas.push_back(100 + n);
+      if (sim[6]) esperadas.push_back(206);
+      if (sim[0]) esperadas.push_back(300);
+      EXPECT_EQ(mantidas, esperadas) << "X1 " << x1 << ", semente " << semente;
+    }
+
+  EstadoTeste t;
+  AmbienteFixo gemeo(DataHora{}, 1);
+  t.Musica(1, {{kNota, "10,5"}}).Musica(2, {{kNota, "3"}});
+  Aplicar(t, Regra04, "04", {"10", "21/11/2026"});
+  EXPECT_EQ(t.Amb().Aleatorio(), gemeo.Aleatorio());  // out of its period nothing is drawn
+  EXPECT_THROW(Aplicar(t, Regra04, "04", {"11"}), ErroExecucao);
+  t.Musica(3, {{kNota, "11"}}).TodasCandidatas().Regra(0, 0, "04", {"10"});
+  EXPECT_FALSE(AplicarRegra(t.E(), true, 0, 50));
+  EXPECT_EQ(t.Candidatas().size(), 3u);
+}
+
+TEST(Regra05, TocadasSaemENotasNoveEDezTemMeiaChance) {
+  for (uint32_t semente = 1; semente <= 12; ++semente) {
+    EstadoTeste t(Dia(22, 10), semente);
+    t.Musica(1, {{kNota, "9"}}).Musica(2, {{kNota, "10"}}).Musica(3, {{kNota, "8,5"}}).Musica(4, {{kNota, "9"}})
+        .Musica(5).Tocadas({1, 2, 3, 4});
+    AmbienteFixo gemeo(DataHora{}, semente);
+    Codigos esperadas;
+    for (int32_t codigo : {1, 2, 4})  // slot order, and only the ratings exactly 9 and 10
+      if (Percentual(gemeo) <= 50) esperadas.push_back(codigo);
+    esperadas.push_back(5);
+    EXPECT_EQ(Aplicar(t, Regra05, "05", {}), esperadas) << "semente " << semente;
+  }
+
+  EstadoTeste t;
+  AmbienteFixo gemeo(DataHora{}, 1);
+  t.Musica(1, {{kNota, "10"}}).Musica(2).Musica(3).Tocadas({1, 2, 3});
+  EXPECT_TRUE(Aplicar(t, Regra05, "05", {}).empty());
+  EXPECT_EQ(t.Amb().Aleatorio(), gemeo.Aleatorio());  // no survivor: no second chance
+  EstadoTeste u;
+  u.Musica(1).Musica(2).Musica(3);
+  u->historico.HistoricoCodigos[-500] = 1;
+  u->historico.HistoricoCodigos[-501] = 2;
+  u->historico.Alterado();
+  EXPECT_EQ(Aplicar(u, Regra05, "05", {}), (Codigos{2, 3}));
+  u.Tocadas({3});
+  EXPECT_EQ(Aplicar(u, Regra05, "05", {}), (Codigos{2}));
+}
+
+TEST(Regra06, MesmaHoraEmDiasRecentesSemPassarDaMeiaNoite) {
+  EstadoTeste t;
+  t.Musica(1).Musica(2).Musica(3).Musica(4);
+  t.TocadaEm(1, Dia(21, 6)).TocadaEm(2, Dia(21, 23)).TocadaEm(3, Dia(22, 6)).TocadaEm(4, Dia(19, 7));
+  auto R06 = [&](DataHora agora, std::string dias) {
+    t->selecao.DataHoraReferencia = agora;
+    return Aplicar(t, Regra06, "06", {dias, "2"});
+  };
+  EXPECT_EQ(R06(Dia(22, 7, 30), "3"), (Codigos{2, 3}));
+  EXPECT_EQ(R06(Dia(22, 7, 30), "2"), (Codigos{2, 3, 4}));
+  EXPECT_EQ(R06(Dia(22, 8), "3"), (Codigos{2, 3}));
+  EXPECT_EQ(R06(Dia(22, 8, 1), "3"), (Codigos{1, 2, 3}));
+  EXPECT_EQ(R06(Dia(22, 0, 30), "3").size(), 4u);  // 21:00..25:00 does not wrap
+  t.TocadaEm(0, Dia(22, 7));  // an empty newest entry stops every scan at once
+  EXPECT_EQ(R06(Dia(22, 7, 30), "3").size(), 4u);
+}
+
+TEST(Regra07, ChancePelaCorridaEComparacoesDiferentesNosDoisRamos) {
+  EstadoTeste t;
+  t.Musica(1, {{kGenero, "Rock"}}).Musica(2, {{kGenero, "Pop"}}).Musica(3, {{kGenero, "Pop;Rock"}})
+      .Musica(4, {{kGenero, "Pop;Jazz"}});
+  EXPECT_EQ(Aplicar(t, Regra07, "07", {"Genero:Rock", "100"}).size(), 4u);  // nothing played
+  t.Tocadas({3, 3, 3, 3});  // position 0 never counts: a run of 3
+  EXPECT_EQ(Aplicar(t, Regra07, "07", {"Genero:Geral*", "0", "0", "100", "0"}), (Codigos{1, 2, 3}));
+  EXPECT_EQ(Aplicar(t, Regra07, "07", {"Genero:Geral*", "100", "100", "0", "100"}), (Codigos{4}));
+  // The named value is compared without the "POP" exception, so Pop;Jazz shares Pop.
+  EXPECT_EQ(Aplicar(t, Regra07, "07", {"Genero:Pop", "0", "0", "100", "0"}), (Codigos{2, 3, 4}));
+  EXPECT_THROW(Aplicar(t, Regra07, "07", {"Cor:Geral*", "100"}), ErroExecucao);
+  t.Tocadas({2, 2, 2, 1});
+  EXPECT_EQ(Aplicar(t, Regra07, "07", {"Genero:Rock", "100", "0", "0", "0"}), (Codigos{1, 3}));
+  EXPECT_EQ(Aplicar(t, Regra07, "07", {"Genero:Pop", "100"}).size(), 4u);  // the last is not Pop
+  t.Tocadas({1, 1, 1});
+  EXPECT_EQ(Aplicar(t, Regra07, "07", {"Genero:Rock", "0", "0", "0", "100"}), (Codigos{1, 3}));
+}
+
+TEST(Regra13, ContaDiasPosterioresADataDoComputador) {
+  EstadoTeste t;  // the computer's clock says 22/11; the rules' reference is days later
+  t->selecao.DataHoraReferencia = Dia(27, 10);
+  t.Musica(1).Musica(2).Musica(3).Musica(4);
+  t.TocadaEm(2, Dia(20, 9)).TocadaEm(2, Dia(21, 9)).TocadaEm(4, Dia(24, 9)).TocadaEm(3, Dia(23, 9))
+      .TocadaEm(4, Dia(23, 9)).TocadaEm(3, Dia(22, 8));
+  EXPECT_EQ(Aplicar(t, Regra13, "13", {"1"}), (Codigos{1, 2}));  // today's play of 3 is skipped
+  EXPECT_EQ(Aplicar(t, Regra13, "13", {"2"}), (Codigos{1, 2, 3}));  // 4 steps 23/11, then 24/11
+  EXPECT_EQ(Aplicar(t, Regra13, "13", {"3"}).size(), 4u);
+  EXPECT_TRUE(Aplicar(t, Regra13, "13", {"0"}).empty());
+  EXPECT_THROW(Aplicar(t, Regra13, "13", {"dois"}), ErroExecucao);
+}
+
+TEST(Regra26, VariacaoMaximaDoValorDeRitmoDaUltima) {
+  EstadoTeste t;
+  t.Musica(1, {{kRitmo, "Rápida;"}, {kNota, "Normal;"}}).Musica(2, {{kRitmo, "Rápida;Normal;"}})
+      .Musica(3, {{kRitmo, "Normal;"}, {kNota, "5"}});
+  EXPECT_EQ(Aplicar(t, Regra26, "26", {"1", "0"}).size(), 3u);  // nothing played
+  t.Tocadas({1});
+  EXPECT_EQ(Aplicar(t, Regra26, "26", {"1", "2"}), (Codigos{1, 2}));
+  EXPECT_EQ(Aplicar(t, Regra26, "26", {"1", "0"}), (Codigos{1}));
+  EXPECT_EQ(Aplicar(t, Regra26, "26", {"2", "0"}), (Codigos{1, 3}));  // "Normal;" as a Nota is 5
+  EXPECT_EQ(Aplicar(t, Regra26, "26", {"1,5", "0"}).size(), 3u);
+}
+
+TEST(IndiceHistorico, HistoricoAlemDaUltimaPosicaoEncerraARegra) {
+  EstadoTeste t;
+  t.Musica(1).Musica(2);
+  t->historico.TotalTocadas = 4002;
+  t->historico.Alterado();
+  EXPECT_THROW(Aplicar(t, Regra05, "05", {}), ErroExecucao);
+  EXPECT_THROW(Aplicar(t, Regra06, "06", {"1", "1"}), ErroExecucao);
+  EXPECT_THROW(Aplicar(t, Regra13, "13", {"1"}), ErroExecucao);
+}
+
+}  // namespace
+}  // namespace lumavox
