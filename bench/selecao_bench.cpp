@@ -1,5 +1,5 @@
-// One selection of the run over a full station: 4001 songs, a full history and 34 rules per set
-// of the kinds the demo uses, without the waits (frozen clock) and without the periodic reload.
+// One selection of the run over a full station: 4001 songs, a full history and 48 rules per set
+// using every implemented rule number, without the waits (frozen clock) and the periodic reload.
 #include <benchmark/benchmark.h>
 
 #include <filesystem>
@@ -21,7 +21,8 @@ const fs::path& EstacaoSelecao() {
     fs::remove_all(p);
     cli::OpcoesDemo op;
     op.musicas = 4001;
-    op.regrasPorConjunto = 34;
+    op.regrasPorConjunto = 48;
+    op.regrasCompletas = true;
     op.bytesMre = 16;
     op.playlistNoturna = false;
     op.tocadasNoBanco = 0;

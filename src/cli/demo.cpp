@@ -135,19 +135,48 @@ const std::vector<RegraDemo> kRegrasDemo{
      {}},
 };
 
+// One rule of every implemented number, with values that keep most songs alive, so a
+// full-capacity station exercises every procedure at every selection.
+const std::vector<RegraDemo> kRegrasCompletas{
+    {true, "01", "Começar sempre com uma musica do tipo (X1) [(X2)DATA / ENTRE (X3) E (X4)].", "", {"Ritmo:Animado;"}},
+    {true, "02", "(X1) tocar o mesmo (X2) em um período de (X3) horas [(X4)DATA / ENTRE (X5) E (X6)].", "", {"Não", "Artista:Geral*", "2"}},
+    {true, "03", "Quando avancar a musica no clique (X1), (X2) trocar (X3). Persistir (X4) [(X5)DATA / ENTRE (X6) E (X7)].", "", {"1", "Sim", "Genero:Geral*", "Não"}},
+    {true, "04", "Reproduzir musicas com rating (X1) decrescente mais freqüentemente [(X2)DATA / ENTRE (X3) E (X4)].", "", {"10"}},
+    {true, "05", "Priorizar musicas que não foram tocadas porem usar incidência de cada musica [(X1)DATA / ENTRE (X2) E (X3)].", "", {}},
+    {true, "06", "Checar (X1) dias, (X2) horas [(X3)DATA / ENTRE (X4) E (X5)].", "", {"3", "2"}},
+    {true, "07", "Tocar a próxima musica com (X2)% de chance de ser mesmo X1 [(X6)DATA / ENTRE (X7) E (X8)].", "", {"Genero:Geral*", "70", "50", "30", "20"}},
+    {true, "08", "Priorizar musicas com rating entre (X1) e (X2) com classificação (X3) e (X4) [(X8)DATA / ENTRE (X9) E (X10)].", "", {"10", "3", "Genero:Rock;Pop;MPB;Samba", "Lingua:Português;Inglês", "08:00", "12:00"}},
+    {true, "12", "Maximo de (X1) musicas (X2) consecutivas [(X3)DATA / ENTRE (X4) E (X5)].", "", {"*2-4", "Genero:Geral*"}},
+    {true, "13", "Uma musica não deve tocar mais de X1 dias consecutivos [(X2)DATA / ENTRE (X3) E (X4)].", "", {"3"}},
+    {true, "22", "Apos o tag (X1) (X2)% de chance de tocar tag (X3), se não tocar o tag (X4) [(X5)DATA / ENTRE (X6) E (X7)]..", "", {"Ritmo:Animado;", "60", "Ritmo:Normal;Animado;", "Ritmo:Calmo;"}},
+    {true, "23", "Quando a musica tiver os tags (X1)(X2)(X3)(X4) tender a tocar (X5)(X6)(X7) [(X8)DATA / ENTRE (X9) E (X10)].", "", {"Genero:Rock;", "", "", "Sim", "Genero:Rock;Pop;MPB", "Lingua:Português;Inglês", ""}},
+    {true, "24", "(X1)% de chance de tocar o genero influente[(X2)DATA / ENTRE (X3) E (X4)].", "", {"50"}},
+    {true, "25", "Aplicar Tabela X1, tipo X2 (0 - Tempo, 1 - Posição). [(X3)DATA / ENTRE (X4) E (X5)].", "", {"1", "0"}},
+    {true, "26", "Variar X1 (0-velocidade/1-ritmo/2-Nota/3-BPM/4-Vibe) em no máximo X2 pontos. [(X3)DATA / ENTRE (X4) E (X5)].", "", {"4", "*4-6"}},
+    {true, "27", "(X1)% de chance de tocar com o genero influente igual ao genero da musica anterior [(X2)DATA / ENTRE (X3) E (X4)].", "", {"40"}},
+    {true, "28", "(X1)% de chance de (X2) tocar o tag X3 [(X4)DATA / ENTRE (X5) E (X6)].", "", {"30", "Não", "Lingua:Espanhol"}},
+    {true, "29", "(X1)% de chance de tocar musica favorita [(X2)DATA / ENTRE (X3) E (X4)].", "", {"20"}},
+    {true, "30", "(X1)% de chance de não tocar musica em quarentena [(X2)DATA / ENTRE (X3) E (X4)].", "", {"80"}},
+    {true, "31", "Musicas em Quarentena deixam de tocar no respectivo período em X1 horas, para mais e para menos [(X2)DATA / ENTRE (X3) E (X4)].", "", {"3"}},
+    {true, "32", "Aplicar Vibe na barra de ritmo varição (X1) [(X2)DATA / ENTRE (X3) E (X4)].", "", {"3"}},
+    {true, "33", "Selecionar músicas de acordo com a barra de ritmo com varição (X1) [(X2)DATA / ENTRE (X3) E (X4)].", "", {"*6-4"}},
+    {true, "34", "Intervalo mínimo de (X1) musicas para o tag (X2) [(X3)DATA / ENTRE (X4) E (X5)].", "", {"*20-8", "Title:Geral*"}},
+    {false, "15", "NÃO FEITA ! Tocar Todas as musicas da playlist [(X1)DATA / ENTRE (X2) E (X3)].", "", {}},
+};
+
 void GravarLinhasCodificadas(const fs::path& arquivo, const std::vector<std::string>& linhas) {
   std::string bytes;
   for (const std::string& l : linhas) bytes += ParaUtf8(CodificarLinha(DeUtf8(l))) + "\r\n";
   EscreverBytes(arquivo, bytes);
 }
 
-void GravarRegras(const fs::path& pasta, int conjunto, int quantas) {
+void GravarRegras(const fs::path& pasta, int conjunto, int quantas, bool completas) {
+  const std::vector<RegraDemo>& lista = completas ? kRegrasCompletas : kRegrasDemo;
   std::vector<std::string> linhas;
-  const int total = quantas > 0 ? quantas : static_cast<int>(kRegrasDemo.size());
+  const int total = quantas > 0 ? quantas : static_cast<int>(lista.size());
   for (int i = 0; i < total; ++i) {
     // Each set starts at a different rule so the three sets differ.
-    const RegraDemo& r = kRegrasDemo[static_cast<size_t>(i + conjunto * (quantas > 0 ? 0 : 1)) %
-                                     kRegrasDemo.size()];
+    const RegraDemo& r = lista[static_cast<size_t>(i + conjunto * (quantas > 0 ? 0 : 1)) % lista.size()];
     linhas.push_back(r.ativo ? "A" : "I");
     linhas.push_back(r.id);
     linhas.push_back(r.descricao);
@@ -195,13 +224,20 @@ void GerarEstacaoDemo(const fs::path& pasta, const OpcoesDemo& op) {
     EscreverBytes(pasta / "mre" / NomeArquivoMusica(codigo), std::string_view(bytes.data(), bytes.size()));
   }
   GravarLinhasCodificadas(pasta / "lxdb.rdb", linhas);
-  for (int c = 0; c <= 2; ++c) GravarRegras(pasta, c, op.regrasPorConjunto);
+  for (int c = 0; c <= 2; ++c) GravarRegras(pasta, c, op.regrasPorConjunto, op.regrasCompletas);
+  fs::remove(pasta / "lxtb0.rdb");
+  if (op.regrasCompletas) {
+    // Schedule table 1 for rule "25": the night hours lean to calm languages, the day to all.
+    GravarLinhasCodificadas(pasta / "lxtb0.rdb",
+                            {"1", "0-89", "Lingua:Português;Inglês;Espanhol", "Ativo:Sim;Não", "",
+                             "90-359", "Nacionalidade:Nacional;Internacional", "Tipo:Musica;Vinheta"});
+  }
 
   if (op.playlistNoturna) {
     const fs::path noite = pasta / "madrugada";
     fs::create_directories(noite);
     GravarLinhasCodificadas(noite / "lxdb.rdb", linhasNoite);
-    for (int c = 0; c <= 2; ++c) GravarRegras(noite, c, op.regrasPorConjunto);
+    for (int c = 0; c <= 2; ++c) GravarRegras(noite, c, op.regrasPorConjunto, op.regrasCompletas);
     EscreverBytes(pasta / "pl.rdb", "00:00:00 05:59:59 madrugada\r\n");
   } else {
     fs::remove(pasta / "pl.rdb");
@@ -237,6 +273,9 @@ void RegistrarDemo(CLI::App& app, Contexto& ctx) {
   cmd->add_option("--regras", op->regrasPorConjunto, "regras por conjunto (0 = conjunto pequeno)")
       ->check(CLI::Range(0, 256));
   cmd->add_option("--semente", op->semente, "semente dos dados");
+  cmd->add_flag("--completas", op->regrasCompletas, "uma regra de cada número implementado");
+  cmd->add_option("--tocadas", op->tocadasNoBanco, "tocadas já registradas no lumavox.db (0: sem banco)")
+      ->check(CLI::NonNegativeNumber);
   cmd->callback([&ctx, op, dir] { ExecutarDemo(ctx, *dir, *op); });
 }
 

@@ -10,7 +10,8 @@ namespace lumavox::cli {
 
 struct OpcoesDemo {
   int musicas = 300;
-  int regrasPorConjunto = 0;  // 0: a small hand-picked set; more: the set repeated to that count
+  int regrasPorConjunto = 0;  // 0: the set as it stands; more: the set repeated to that count
+  bool regrasCompletas = false;  // every implemented rule number, with filters that keep many songs
   uint32_t semente = 1;
   int bytesMre = 256;
   bool playlistNoturna = true;
