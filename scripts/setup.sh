@@ -4,7 +4,7 @@
 set -euo pipefail
 
 PACOTES=(
-  build-essential cmake ninja-build pkg-config
+  build-essential cmake ninja-build pkg-config dpkg-dev desktop-file-utils
   libicu-dev libsqlite3-dev mdbtools-dev
   libcli11-dev nlohmann-json3-dev libtomlplusplus-dev libtag1-dev
   libgtest-dev libgmock-dev libbenchmark-dev

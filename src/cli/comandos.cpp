@@ -17,9 +17,20 @@ int Executar(int argc, char** argv) {
   return Executar(std::vector<std::string>(argv + 1, argv + argc), std::cout, std::cerr);
 }
 
+namespace {
+constexpr const char* kRodapeAjuda =
+    "Documentação: /usr/share/doc/lumavox/ (no código-fonte: docs/)\n"
+    "  station.md         a pasta da estação, arquivo por arquivo (rdb, fila, banco de log)\n"
+    "  rules.md           cada regra (01 a 34): variáveis, período, recusa, particularidades\n"
+    "  selection-run.md   a execução da seleção e a entrega ao tocador (select, run, tocar)\n"
+    "  schedule-tables.md tabelas de agenda da regra 25 (rdb tabela)";
+}  // namespace
+
 int Executar(std::vector<std::string> argumentos, std::ostream& saida, std::ostream& erros) {
-  CLI::App app{"lumavox-cli: o motor de seleção de músicas sem janela"};
+  CLI::App app{"lumavox-cli: o motor de seleção de músicas sem janela", "lumavox-cli"};
   app.require_subcommand(1);
+  // Set before the subcommands are added, so each one's help carries it too.
+  app.footer(kRodapeAjuda);
   Contexto ctx{saida, erros};
   RegistrarRdb(app, ctx);
   RegistrarAcervo(app, ctx);

@@ -1,0 +1,140 @@
+#!/usr/bin/env bash
+# The Debian package, made with CPack from a build tree that is already built (default build/):
+# its name and file list, its declared dependencies against what the programs load, and the
+# service's and the desktop entry's commands run from the unpacked package and stop cleanly on
+# SIGTERM.
+#
+# LUMAVOX_CLEAN_ROOT=DIR (a Debian 12 root made with debootstrap) also installs the package there
+# with apt and runs lumavox-cli in it. That needs a Debian mirror and several minutes, so CI
+# leaves it out.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+BUILD=${1:-build}
+
+passaram=0
+falharam=0
+# checar NAME FUNCTION: runs one check; the function prints why it failed and returns non-zero.
+checar() {
+  if "$2"; then passaram=$((passaram + 1)); else echo "FALHOU: $1" >&2; falharam=$((falharam + 1)); fi
+}
+
+rm -rf "$BUILD/pacote"
+(cd "$BUILD" && cpack -G DEB >/dev/null)
+versao=$(sed -n 's/^project(lumavox VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
+deb="$BUILD/pacote/lumavox_${versao}_amd64.deb"
+[ -f "$deb" ] || { echo "FALHOU: sem $deb" >&2; ls "$BUILD/pacote" >&2; exit 1; }
+
+janela=0
+grep -q '^LUMAVOX_APP:BOOL=ON' "$BUILD/CMakeCache.txt" && janela=1
+raiz=$(mktemp -d)
+trap 'rm -rf "$raiz"' EXIT
+dpkg-deb -x "$deb" "$raiz/pkg"
+lista=$(dpkg-deb -c "$deb" | awk '{print $NF}' | grep -v '/$')
+depends=$(dpkg-deb -f "$deb" Depends)
+declarados=" $(sed -E 's/\([^)]*\)//g; s/[,|]/ /g' <<<"$depends" | xargs) "
+
+lista_completa() {
+  local esperados=(./usr/bin/lumavox-cli ./usr/lib/systemd/system/lumavox@.service
+    ./usr/share/doc/lumavox/README.md ./usr/share/doc/lumavox/station.md
+    ./usr/share/doc/lumavox/rules.md ./usr/share/doc/lumavox/selection-run.md
+    ./usr/share/doc/lumavox/exemplos/musica.rdb ./usr/share/doc/lumavox/exemplos/regra.rdb)
+  [ $janela = 1 ] && esperados+=(./usr/bin/lumavox ./usr/share/applications/lumavox.desktop
+    ./usr/share/icons/hicolor/scalable/apps/lumavox.svg)
+  local f ok=0
+  for f in "${esperados[@]}"; do grep -qxF "$f" <<<"$lista" || { echo "falta $f"; ok=1; }; done
+  return $ok
+}
+
+nada_fora_do_lugar() {
+  local fora
+  fora=$(grep -vE '^\./usr/(bin/lumavox(-cli)?|lib/systemd/system/lumavox@\.service|share/applications/lumavox\.desktop|share/icons/hicolor/[^/]+/apps/lumavox\.(svg|png)|share/doc/lumavox/.*)$' <<<"$lista" || true)
+  [ -z "$fora" ] || { echo "fora do lugar: $fora"; return 1; }
+}
+
+# Every library a program loads comes from a declared package (or from a package that a
+# declared one depends on: libtag1v5 brings libtag1v5-vanilla).
+dependencias_declaradas() {
+  local prog lib caminho dono v ok=0
+  grep -q -- '-dev\b' <<<"$depends" && { echo "depende de um pacote -dev: $depends"; ok=1; }
+  [ $janela = 0 ] || grep -q ' qt6-qpa-plugins ' <<<"$declarados" || { echo "falta qt6-qpa-plugins"; ok=1; }
+  for prog in "$raiz"/pkg/usr/bin/*; do
+    for lib in $(objdump -p "$prog" | awk '/NEEDED/ {print $2}'); do
+      caminho=$(ldconfig -p | awk -v l="$lib" '$1 == l && /x86-64/ {print $NF; exit}')
+      dono=$(dpkg -S "$caminho" 2>/dev/null || dpkg -S "$(readlink -f "$caminho")" 2>/dev/null || true)
+      dono=${dono%%:*}
+      grep -q " $dono " <<<"$declarados" && continue
+      for v in $(apt-cache rdepends --installed "$dono" 2>/dev/null | tail -n +3); do
+        grep -q " $v " <<<"$declarados" && continue 2
+      done
+      echo "$(basename "$prog"): $lib (${dono:-sem pacote}) não está em Depends: $depends"
+      ok=1
+    done
+  done
+  return $ok
+}
+
+export PATH="$raiz/pkg/usr/bin:$PATH"
+unset LUMAVOX_DIR
+estacao="$raiz/lumavox"  # also ~/lumavox for the desktop entry, with HOME=$raiz
+lumavox-cli demo --dir "$estacao" --musicas 60 >/dev/null
+rm -f "$estacao/pl.rdb"  # the station folder itself at any hour
+
+# parar_com_sigterm NAME COMMAND...: the command fills the station's queue and exits 0 on
+# SIGTERM.
+parar_com_sigterm() {
+  local nome=$1 n=0 rc=0 pid
+  shift
+  rm -f "$estacao"/list/*.lre
+  "$@" >"$raiz/$nome.log" 2>&1 &
+  pid=$!
+  while [ $n -lt 600 ] && ! compgen -G "$estacao/list/*.lre" >/dev/null && kill -0 $pid 2>/dev/null; do
+    sleep 0.1
+    n=$((n + 1))
+  done
+  compgen -G "$estacao/list/*.lre" >/dev/null || { echo "$nome: nenhuma música na fila"; rc=1; }
+  kill -TERM $pid 2>/dev/null || true
+  wait $pid || { echo "$nome: saiu com $? depois de SIGTERM"; rc=1; }
+  [ $rc = 0 ] || cat "$raiz/$nome.log"
+  return $rc
+}
+
+ajuda_aponta_documentacao() {
+  lumavox-cli --help | grep -q '/usr/share/doc/lumavox/' && lumavox-cli run --help | grep -q 'rules.md'
+}
+
+servico() {
+  local unidade="$raiz/pkg/usr/lib/systemd/system/lumavox@.service" linha cmd
+  grep -qx 'Restart=on-failure' "$unidade" || { echo "a unidade não reinicia em falha"; return 1; }
+  linha=$(sed -n 's/^ExecStart=//p' "$unidade")
+  # %f is the instance unescaped as a path; this folder has no blanks.
+  read -r -a cmd <<<"${linha//%f/$estacao}"
+  parar_com_sigterm servico "${cmd[@]}"
+}
+
+entrada_da_janela() {
+  local entrada="$raiz/pkg/usr/share/applications/lumavox.desktop" linha
+  if command -v desktop-file-validate >/dev/null; then desktop-file-validate "$entrada" || return 1; fi
+  # Exec=: undo the string escapes; what is left is quoted as the shell quotes.
+  linha=$(sed -n 's/^Exec=//p' "$entrada" | sed 's/\\\\/\\/g')
+  eval "set -- $linha"
+  HOME="$raiz" QT_QPA_PLATFORM=offscreen parar_com_sigterm janela "$@"
+}
+
+raiz_limpa() {
+  cp "$deb" "$LUMAVOX_CLEAN_ROOT/tmp/"
+  chroot "$LUMAVOX_CLEAN_ROOT" sh -c "apt-get update -qq && DEBIAN_FRONTEND=noninteractive \
+    apt-get install -y -qq /tmp/$(basename "$deb") >/dev/null && lumavox-cli --help >/dev/null &&
+    lumavox-cli demo --dir /tmp/estacao >/dev/null && lumavox-cli select --dir /tmp/estacao --no-wait >/dev/null"
+}
+
+checar "arquivos do pacote" lista_completa
+checar "nada fora do lugar" nada_fora_do_lugar
+checar "dependências declaradas" dependencias_declaradas
+checar "ajuda aponta a documentação" ajuda_aponta_documentacao
+checar "lumavox@.service" servico
+[ $janela = 0 ] || checar "lumavox.desktop" entrada_da_janela
+[ -z "${LUMAVOX_CLEAN_ROOT:-}" ] || checar "instalação numa raiz limpa" raiz_limpa
+
+echo "$deb: $(wc -l <<<"$lista") arquivos; Depends: $depends"
+echo "pacote: $passaram passed, $falharam failed"
+[ $falharam = 0 ]
