@@ -1,6 +1,6 @@
 # Installation (cmake --install) and the Debian package (cpack -G DEB):
 #   bin/lumavox, bin/lumavox-cli
-#   share/applications/lumavox.desktop, share/icons/hicolor/scalable/apps/lumavox.svg
+#   share/applications/lumavox.desktop, share/icons/hicolor/{scalable,48x48}/apps/lumavox.{svg,png}
 #   lib/systemd/system/lumavox@.service
 #   share/doc/lumavox/: README.md and docs/ (with the example records)
 include(GNUInstallDirs)
@@ -15,6 +15,8 @@ set(PACOTE_DIR ${PROJECT_SOURCE_DIR}/packaging)
 if(TARGET lumavox)
   install(FILES ${PACOTE_DIR}/lumavox.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
   install(FILES ${PACOTE_DIR}/lumavox.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
+  install(FILES ${PACOTE_DIR}/lumavox-48.png DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/48x48/apps
+          RENAME lumavox.png)
 endif()
 install(FILES ${PACOTE_DIR}/lumavox@.service DESTINATION lib/systemd/system)
 install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})

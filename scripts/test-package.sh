@@ -39,7 +39,7 @@ lista_completa() {
     ./usr/share/doc/lumavox/rules.md ./usr/share/doc/lumavox/selection-run.md
     ./usr/share/doc/lumavox/exemplos/musica.rdb ./usr/share/doc/lumavox/exemplos/regra.rdb)
   [ $janela = 1 ] && esperados+=(./usr/bin/lumavox ./usr/share/applications/lumavox.desktop
-    ./usr/share/icons/hicolor/scalable/apps/lumavox.svg)
+    ./usr/share/icons/hicolor/scalable/apps/lumavox.svg ./usr/share/icons/hicolor/48x48/apps/lumavox.png)
   local f ok=0
   for f in "${esperados[@]}"; do grep -qxF "$f" <<<"$lista" || { echo "falta $f"; ok=1; }; done
   return $ok
