@@ -59,7 +59,7 @@ dependencias_declaradas() {
   [ $janela = 0 ] || grep -q ' qt6-qpa-plugins ' <<<"$declarados" || { echo "falta qt6-qpa-plugins"; ok=1; }
   for prog in "$raiz"/pkg/usr/bin/*; do
     for lib in $(objdump -p "$prog" | awk '/NEEDED/ {print $2}'); do
-      caminho=$(ldconfig -p | awk -v l="$lib" '$1 == l && /x86-64/ {print $NF; exit}')
+      caminho=$(/sbin/ldconfig -p | awk -v l="$lib" '$1 == l && /x86-64/ {print $NF; exit}')
       dono=$(dpkg -S "$caminho" 2>/dev/null || dpkg -S "$(readlink -f "$caminho")" 2>/dev/null || true)
       dono=${dono%%:*}
       grep -q " $dono " <<<"$declarados" && continue
