@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "cli/demo.h"
+#include "engine/estado.h"
 
 namespace lumavox::bench {
 
@@ -20,6 +21,18 @@ inline const std::filesystem::path& EstacaoCheia() {
     return p;
   }();
   return pasta;
+}
+
+// Plays every three minutes up to `agora`: the database's 500 at -500..-1 and the engine's at
+// 0..ultima-1, songs taken across the whole collection.
+inline void PreencherHistorico(Estado& e, DataHora agora, long ultima) {
+  Historico& h = e.historico;
+  for (long p = -500; p < ultima; ++p) {
+    h.HistoricoCodigos[p] = e.acervo.AcervoCodigos[(p + 500) * 7 % 4001];
+    h.HistoricoDatas[p] = SomarSegundos(agora, -180 * (ultima - p));
+  }
+  h.TotalTocadas = static_cast<int16_t>(ultima);
+  h.Alterado();
 }
 
 }  // namespace lumavox::bench

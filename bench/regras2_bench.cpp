@@ -29,11 +29,7 @@ struct Cheia {
     Estado& e = motor->E();
     Historico& h = e.historico;
     const DataHora agora = ambiente.Agora();
-    for (long p = -500; p < 4000; ++p) {
-      h.HistoricoCodigos[p] = e.acervo.AcervoCodigos[(p + 500) * 7 % 4001];
-      h.HistoricoDatas[p] = SomarSegundos(agora, -180 * (4000 - p));
-    }
-    h.TotalTocadas = 4000;
+    bench::PreencherHistorico(e, agora, 4000);
     for (long s = 0; s < kTotalSlots; s += 3) {
       h.HistoricoTipo4[s] = true;
       for (long k = 0; k < kDatasTipo5; ++k) {

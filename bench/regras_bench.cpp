@@ -25,13 +25,8 @@ struct Cheia {
     motor->E().playlists.PlaylistAtual = 0;
     motor->DefinirAcervo(0, -1);
     Estado& e = motor->E();
-    Historico& h = e.historico;
     const DataHora agora = ambiente.Agora();
-    for (long p = -500; p < 4000; ++p) {
-      h.HistoricoCodigos[p] = e.acervo.AcervoCodigos[(p + 500) * 7 % 4001];
-      h.HistoricoDatas[p] = SomarSegundos(agora, -180 * (4000 - p));
-    }
-    h.TotalTocadas = 4000;
+    bench::PreencherHistorico(e, agora, 4000);
     e.selecao.DataHoraReferencia = agora;
   }
 };

@@ -8,6 +8,7 @@
 #include "base/ambiente.h"
 #include "cli/demo.h"
 #include "engine/motor.h"
+#include "estacao_cheia.h"
 #include "stores/saida.h"
 
 namespace {
@@ -37,13 +38,7 @@ void BM_UmaSelecao(benchmark::State& state) {
   Motor motor(EstacaoSelecao(), ambiente);
   motor.Iniciar();
   Estado& e = motor.E();
-  Historico& h = e.historico;
-  for (long p = -500; p < 3000; ++p) {
-    h.HistoricoCodigos[p] = e.acervo.AcervoCodigos[(p + 500) * 7 % 4001];
-    h.HistoricoDatas[p] = SomarSegundos(ambiente.Agora(), -180 * (3000 - p));
-  }
-  h.TotalTocadas = 3000;
-  h.Alterado();
+  bench::PreencherHistorico(e, ambiente.Agora(), 3000);
   motor.TestarRegras();  // the start-up call fills the queue
   const fs::path fila = EstacaoSelecao() / "list";
   for (auto _ : state) {
@@ -64,12 +59,7 @@ void BM_UmaSelecaoSemArquivos(benchmark::State& state) {
   motor.Iniciar();
   Estado& e = motor.E();
   Historico& h = e.historico;
-  for (long p = -500; p < 3000; ++p) {
-    h.HistoricoCodigos[p] = e.acervo.AcervoCodigos[(p + 500) * 7 % 4001];
-    h.HistoricoDatas[p] = SomarSegundos(ambiente.Agora(), -180 * (3000 - p));
-  }
-  h.TotalTocadas = 3000;
-  h.Alterado();
+  bench::PreencherHistorico(e, ambiente.Agora(), 3000);
   e.selecao.DataHoraReferencia = ambiente.Agora();
   e.execucao.NivelAtual = 50;
   for (auto _ : state) {
