@@ -37,6 +37,9 @@ int Executar(std::vector<std::string> argumentos, std::ostream& saida, std::ostr
   RegistrarDemo(app, ctx);
   RegistrarSelecao(app, ctx);
   RegistrarTocar(app, ctx);
+  RegistrarRegras(app, ctx);
+  RegistrarImportar(app, ctx);
+  RegistrarSimular(app, ctx);
 
   // CLI11 reads the arguments from the back.
   std::reverse(argumentos.begin(), argumentos.end());

@@ -31,6 +31,9 @@ void RegistrarAcervo(CLI::App& app, Contexto& ctx);
 void RegistrarDemo(CLI::App& app, Contexto& ctx);
 void RegistrarSelecao(CLI::App& app, Contexto& ctx);
 void RegistrarTocar(CLI::App& app, Contexto& ctx);
+void RegistrarRegras(CLI::App& app, Contexto& ctx);
+void RegistrarImportar(CLI::App& app, Contexto& ctx);
+void RegistrarSimular(CLI::App& app, Contexto& ctx);
 
 // Installs the station's log database as the engine's history source.
 void InstalarHistorico(Motor& motor);

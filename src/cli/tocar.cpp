@@ -4,36 +4,18 @@
 // sometimes skips a song through avancar.rer, so a station can be watched at work in seconds.
 #include <iomanip>
 #include <memory>
+#include <optional>
 #include <random>
 
-#include "base/arquivos.h"
-#include "base/numeros.h"
 #include "cli/comandos.h"
 #include "cli/relatorio.h"
 #include "cli/subcomandos.h"
+#include "cli/tocador.h"
 #include "engine/motor.h"
-#include "rules/candidatos.h"
-#include "stores/banco_sqlite.h"
-#include "stores/saida.h"
 
 namespace lumavox::cli {
 
 namespace {
-
-// Time passes only when someone waits or the player jumps to the end of a song.
-class AmbienteSimulado : public Ambiente {
- public:
-  AmbienteSimulado(DataHora inicio, uint32_t semente) : agora_(inicio), gerador_(semente) {}
-  DataHora Agora() override { return agora_; }
-  void Esperar(int milissegundos) override { Avancar((milissegundos + 999) / 1000); }
-  float Aleatorio() override { return SortearFloat(gerador_); }
-  void SemearPeloRelogio() override {}
-  void Avancar(int64_t segundos) { agora_ = SomarSegundos(agora_, segundos); }
-
- private:
-  DataHora agora_;
-  std::mt19937 gerador_;
-};
 
 struct OpcoesTocar {
   std::string dir, inicio;
@@ -72,6 +54,7 @@ void ExecutarTocar(Contexto& ctx, const OpcoesTocar& op) {
   std::mt19937 jogador(op.semente + 1);
   auto Chance = [&](int porcento) { return static_cast<int>(jogador() % 100) < porcento; };
 
+  TocadorSimulado tocador(pasta);
   Motor motor(pasta, ambiente);
   InstalarHistorico(motor);
   motor.Iniciar();
@@ -89,41 +72,31 @@ void ExecutarTocar(Contexto& ctx, const OpcoesTocar& op) {
                 << "  nível " << std::setw(3) << s.nivel << " (conjunto " << s.conjunto << ")  "
                 << Tag(e, s.slot, 0) << " – " << Tag(e, s.slot, 2) << "  [regras:" << RegrasQueAgiram(e, s) << "]\n";
     }
-    const auto fila = ListarArquivos(pasta / "list", ".lre");
-    if (fila.empty()) {
+    std::string aviso;
+    const std::optional<Tocada> tocada = tocador.TocarProxima(ambiente.Agora(), &aviso);
+    if (!aviso.empty()) ctx.erros << "aviso: " << aviso << "\n";
+    if (!tocada) {
       ++ociosas;  // nothing to play: a collection too small, or files that cannot be written
       ambiente.Avancar(1);
       continue;
     }
     ociosas = 0;
-    // The player takes the next entry: it leaves the queue and its media with it.
-    const std::string nome = fila.front().filename().string();
-    const int32_t codigo = static_cast<int32_t>(ValorNumerico(DeUtf8(nome.substr(7, 7))));
-    ApagarArquivo(fila.front());
-    ApagarArquivo(pasta / "temp" / (nome.substr(0, 6) + ".mrt"));
-    try {
-      RegistrarLogBanco(pasta / "lumavox.db", codigo, ambiente.Agora(), 0);
-    } catch (const std::exception& erro) {
-      ctx.erros << "aviso: " << erro.what() << "\n";
-    }
     ++tocadas;
-    const int16_t slot = LocalizarMusica(motor.E(), codigo);
-    double duracao = ValorNumerico(e.acervo.AcervoTags(slot, 17));
-    if (duracao <= 0) duracao = 180;
-    ctx.saida << FormatarIso(ambiente.Agora()).substr(11) << "  tocando  " << std::setw(7) << codigo << "  ("
-              << static_cast<int>(duracao) << " s)\n";
+    const int64_t duracao = DuracaoDaMusica(motor.E(), tocada->codigo);
+    ctx.saida << FormatarIso(ambiente.Agora()).substr(11) << "  tocando  " << std::setw(7) << tocada->codigo
+              << "  (" << duracao << " s)\n";
 
     if (Chance(25)) {
-      static const char* kNiveis[] = {"20", "50", "50", "80"};
-      EscreverBytes(pasta / "ritmo.rer", std::string(kNiveis[jogador() % 4]) + "\n");
+      static const int kNiveis[] = {20, 50, 50, 80};
+      tocador.DefinirNivel(kNiveis[jogador() % 4]);
     }
     if (Chance(10)) {
       // The listener skips this song halfway through.
-      ambiente.Avancar(static_cast<int64_t>(duracao / 2));
-      EscreverBytes(pasta / "avancar.rer", "1\n");
+      ambiente.Avancar(duracao / 2);
+      tocador.Avancar();
       ctx.saida << FormatarIso(ambiente.Agora()).substr(11) << "  avançou\n";
     } else {
-      ambiente.Avancar(static_cast<int64_t>(duracao));
+      ambiente.Avancar(duracao);
     }
   }
   if (tocadas < op.musicas) ctx.saida << "A fila ficou vazia: nenhuma música a tocar.\n";

@@ -1,0 +1,187 @@
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <id3v2tag.h>
+#include <popularimeterframe.h>
+#include <tpropertymap.h>
+#include <wavfile.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+
+#include "apoio/estacao.h"
+#include "apoio/linha_comando.h"
+#include "base/ambiente.h"
+#include "cli/tags_audio.h"
+#include "engine/motor.h"
+
+namespace lumavox::cli {
+namespace {
+
+namespace fs = std::filesystem;
+using teste::EstacaoTeste;
+using teste::RodarCli;
+
+// A mono 16-bit PCM WAV of `segundos` seconds at 200 samples a second: a few hundred samples.
+void GravarWav(const fs::path& arquivo, int segundos) {
+  const uint32_t taxa = 200, amostras = taxa * static_cast<uint32_t>(segundos), dados = amostras * 2;
+  std::string b;
+  auto U32 = [&](uint32_t v) { for (int i = 0; i < 4; ++i) b += static_cast<char>(v >> (8 * i)); };
+  auto U16 = [&](uint16_t v) { b += static_cast<char>(v & 0xff); b += static_cast<char>(v >> 8); };
+  b += "RIFF"; U32(36 + dados); b += "WAVEfmt "; U32(16); U16(1); U16(1); U32(taxa); U32(taxa * 2); U16(2); U16(16);
+  b += "data"; U32(dados);
+  for (uint32_t i = 0; i < amostras; ++i) U16(static_cast<uint16_t>((i * 37) % 4000));
+  fs::create_directories(arquivo.parent_path());
+  std::ofstream(arquivo, std::ios::binary) << b;
+}
+
+struct Etiquetas {
+  std::string artista, titulo, genero;
+  unsigned ano = 0;
+  int popm = 0;                 // ID3 popularimeter 1..255
+  std::string propriedade, valor;  // one more tag by name, e.g. VELOCIDADE
+};
+
+void Etiquetar(const fs::path& arquivo, const Etiquetas& e) {
+  TagLib::RIFF::WAV::File wav(arquivo.c_str());
+  ASSERT_TRUE(wav.isValid());
+  TagLib::ID3v2::Tag* tag = wav.ID3v2Tag();
+  tag->setArtist(TagLib::String(e.artista, TagLib::String::UTF8));
+  tag->setTitle(TagLib::String(e.titulo, TagLib::String::UTF8));
+  tag->setGenre(TagLib::String(e.genero, TagLib::String::UTF8));
+  tag->setYear(e.ano);
+  if (e.popm > 0) {
+    auto* frame = new TagLib::ID3v2::PopularimeterFrame();
+    frame->setEmail("estudio@radio");
+    frame->setRating(e.popm);
+    tag->addFrame(frame);
+  }
+  if (!e.propriedade.empty()) {
+    TagLib::PropertyMap p = tag->properties();
+    p.insert(e.propriedade, TagLib::StringList(TagLib::String(e.valor, TagLib::String::UTF8)));
+    tag->setProperties(p);
+  }
+  ASSERT_TRUE(wav.save());
+}
+
+class Importar : public ::testing::Test {
+ protected:
+  fs::path Musica(const std::string& nome) { return musicas.Caminho(nome); }
+  teste::ResultadoCli Rodar() {
+    return RodarCli({"importar", "--from", musicas.Pasta().string(), "--dir", estacao.Pasta().string()});
+  }
+  // The collection as the engine loads it: code -> slot.
+  std::map<int32_t, long> Carregar() {
+    motor = std::make_unique<Motor>(estacao.Pasta(), ambiente);
+    motor->Iniciar();
+    EXPECT_FALSE(motor->UltimoErro()) << *motor->UltimoErro();
+    std::map<int32_t, long> slots;
+    for (long s = 0; s < motor->E().acervo.TotalMusicas; ++s) slots[motor->E().acervo.AcervoCodigos[s]] = s;
+    return slots;
+  }
+  std::string Tag(long slot, long campo) { return ParaUtf8(motor->E().acervo.AcervoTags(slot, campo)); }
+  nlohmann::json Mapa() { return nlohmann::json::parse(estacao.Ler("importados.json"))["arquivos"]; }
+
+  EstacaoTeste musicas, estacao;
+  AmbienteFixo ambiente{MontarDataHora(2026, 11, 22, 10, 0, 0)};
+  std::unique_ptr<Motor> motor;
+};
+
+TEST_F(Importar, TagsViramCamposEArquivosViramMidias) {
+  GravarWav(Musica("rock/a.wav"), 3);
+  Etiquetar(Musica("rock/a.wav"), {"Ana Lima", "Canção do Mar", "Rock", 1987, 196, "VELOCIDADE", "Rápida;"});
+  GravarWav(Musica("b.WAV"), 5);
+  Etiquetar(Musica("b.WAV"), {"Bia", "Sol", "Pop", 2015, 0, "FMPS_RATING", "0.7"});
+  musicas.GravarTexto("c.mp3", "isto não é áudio, só texto com nome de mp3");
+  musicas.GravarTexto("capa.jpg", "não é música");
+
+  const teste::ResultadoCli r = Rodar();
+  ASSERT_EQ(r.codigo, 0) << r.erros;
+  EXPECT_NE(r.saida.find("ignorado: c.mp3"), std::string::npos) << r.saida;
+  EXPECT_EQ(r.saida.find("capa.jpg"), std::string::npos);
+  EXPECT_NE(r.saida.find("2 novos"), std::string::npos) << r.saida;
+
+  const auto mapa = Mapa();
+  const int32_t a = mapa["rock/a.wav"]["codigo"], b = mapa["b.WAV"]["codigo"];
+  EXPECT_NE(a, b);
+  EXPECT_EQ(estacao.Ler("mre/" + NomeArquivoMusica(a)), musicas.Ler("rock/a.wav"));
+
+  const auto slots = Carregar();
+  ASSERT_EQ(slots.size(), 2u);
+  const long sa = slots.at(a), sb = slots.at(b);
+  EXPECT_EQ(Tag(sa, 0), "Ana Lima");
+  EXPECT_EQ(Tag(sa, 2), "Canção do Mar");
+  EXPECT_EQ(Tag(sa, 5), "Rock");
+  EXPECT_EQ(Tag(sa, 30), "80");
+  EXPECT_EQ(Tag(sb, 30), "2010");
+  EXPECT_EQ(Tag(sa, 8), "8");  // popularimeter 196: four stars
+  EXPECT_EQ(Tag(sb, 8), "7");  // a fraction of 0.7
+  EXPECT_EQ(Tag(sa, 17), "3");
+  EXPECT_EQ(Tag(sb, 17), "5");
+  EXPECT_EQ(Tag(sa, 15), "200");
+  EXPECT_EQ(Tag(sa, 14), "3");  // 200 samples of 16 bits a second: 3.2 kbit/s
+  EXPECT_EQ(Tag(sa, 18), "Rápida;");
+}
+
+TEST_F(Importar, ReimportarMantemCodigosAtualizaEAcrescenta) {
+  for (const char* nome : {"1.wav", "2.wav", "3.wav"}) {
+    GravarWav(Musica(nome), 2);
+    Etiquetar(Musica(nome), {std::string("Artista ") + nome, nome, "Rock", 2001, 0, "", ""});
+  }
+  ASSERT_EQ(Rodar().codigo, 0);
+  const auto primeiro = Mapa();
+  const std::string acervo = estacao.Ler("lxdb.rdb");
+
+  // Nothing changed: the collection file is written again byte for byte.
+  const teste::ResultadoCli igual = Rodar();
+  EXPECT_NE(igual.saida.find("3 sem mudança"), std::string::npos) << igual.saida;
+  EXPECT_EQ(estacao.Ler("lxdb.rdb"), acervo);
+
+  Etiquetar(Musica("2.wav"), {"Outro Nome", "2.wav", "Samba", 1975, 0, "", ""});
+  fs::last_write_time(Musica("2.wav"), fs::last_write_time(Musica("2.wav")) + std::chrono::seconds(5));
+  fs::remove(Musica("3.wav"));
+  GravarWav(Musica("0.wav"), 2);  // sorts first, but gets the next free code
+  const teste::ResultadoCli r = Rodar();
+  EXPECT_NE(r.saida.find("1 novos, 1 atualizados, 1 sem mudança, 0 ignorados, 1 saíram do acervo"), std::string::npos)
+      << r.saida;
+
+  const auto mapa = Mapa();
+  for (const char* nome : {"1.wav", "2.wav", "3.wav"}) EXPECT_EQ(mapa[nome]["codigo"], primeiro[nome]["codigo"]);
+  EXPECT_FALSE(mapa["3.wav"]["presente"].get<bool>());
+  EXPECT_GT(mapa["0.wav"]["codigo"].get<int>(), primeiro["3.wav"]["codigo"].get<int>());
+
+  const auto slots = Carregar();
+  EXPECT_EQ(slots.size(), 3u);
+  EXPECT_FALSE(slots.count(primeiro["3.wav"]["codigo"]));
+  EXPECT_EQ(Tag(slots.at(mapa["2.wav"]["codigo"]), 0), "Outro Nome");
+  EXPECT_EQ(Tag(slots.at(mapa["2.wav"]["codigo"]), 30), "70");
+}
+
+TEST_F(Importar, RegistrosDeOutraOrigemFicamComoEstao) {
+  estacao.Musica(5, {{"Artista", "Da Casa"}}).GravarAcervo();
+  GravarWav(Musica("nova.wav"), 2);
+  ASSERT_EQ(Rodar().codigo, 0);
+  const auto slots = Carregar();
+  ASSERT_EQ(slots.size(), 2u);
+  EXPECT_EQ(Tag(slots.at(5), 0), "Da Casa");
+  EXPECT_EQ(Mapa()["nova.wav"]["codigo"], 6);  // after the highest code already in use
+
+  EXPECT_EQ(RodarCli({"importar", "--from", "/nao/existe", "--dir", estacao.Pasta().string()}).codigo, 2);
+  EXPECT_NE(RodarCli({"importar", "--dir", estacao.Pasta().string()}).codigo, 0);  // --from is required
+}
+
+TEST(NotaDaAvaliacao, EscalasComuns) {
+  EXPECT_EQ(NotaDaAvaliacao(0.5, true), 5);
+  EXPECT_EQ(NotaDaAvaliacao(4, false), 8);    // stars
+  EXPECT_EQ(NotaDaAvaliacao(9, false), 9);
+  EXPECT_EQ(NotaDaAvaliacao(73, false), 7);   // percent
+  EXPECT_EQ(NotaDaAvaliacao(255, false), 10);  // popularimeter, five stars
+  EXPECT_EQ(NotaDaAvaliacao(300, false), std::nullopt);
+  EXPECT_EQ(DecadaDoAno(1905), u"00");
+  EXPECT_EQ(DecadaDoAno(2024), u"2020");
+}
+
+}  // namespace
+}  // namespace lumavox::cli

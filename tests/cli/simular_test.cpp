@@ -1,0 +1,134 @@
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <filesystem>
+#include <map>
+
+#include "apoio/estacao.h"
+#include "apoio/linha_comando.h"
+
+namespace lumavox::cli {
+namespace {
+
+namespace fs = std::filesystem;
+using teste::EstacaoTeste;
+using teste::RodarCli;
+
+// 60 songs of three minutes by 15 artists, each title once: twenty songs an hour must bring
+// artists back, and the half hour a rule keeps them away (about twelve choices, counting the
+// two queued ahead) still leaves some to choose from.
+void GravarEstacao(EstacaoTeste& estacao) {
+  for (int i = 0; i < 60; ++i)
+    estacao.Musica(100 + i, {{"Artista", "Artista " + std::to_string(i % 15)},
+                             {"Title", "Canção " + std::to_string(i)},
+                             {"DuracaoSec", "180"},
+                             {"Velocidade", "Normal;"},
+                             {"Ritmo", i % 2 ? "Calmo;" : "Animado;"}});
+  estacao.GravarAcervo();
+}
+
+// Every file of the folder with its bytes.
+std::map<std::string, std::string> Conteudo(const EstacaoTeste& estacao) {
+  std::map<std::string, std::string> arquivos;
+  for (const auto& e : fs::recursive_directory_iterator(estacao.Pasta()))
+    arquivos[fs::relative(e.path(), estacao.Pasta()).string()] =
+        e.is_regular_file() ? estacao.Ler(fs::relative(e.path(), estacao.Pasta()).string()) : "<pasta>";
+  return arquivos;
+}
+
+TEST(Simular, UmaHoraComArtistaProibidoPorMeiaHora) {
+  EstacaoTeste estacao, saida;
+  GravarEstacao(estacao);
+  estacao.Regra(0, true, "02", "(X1) tocar o mesmo (X2) em um período de (X3) horas", {"Não", "Artista:Geral*", "0,5"})
+      .GravarRegras();
+  const auto antes = Conteudo(estacao);
+  const std::string relatorio = saida.Caminho("dia.html").string();
+  const std::vector<std::string> args{"simular", "--dir", estacao.Pasta().string(), "--inicio", "2026-11-22 10:00",
+                                      "--horas", "1", "--nivel", "50", "--seed", "7", "--json", "--relatorio", relatorio};
+  const teste::ResultadoCli r = RodarCli(args);
+  ASSERT_EQ(r.codigo, 0) << r.erros;
+  auto doc = nlohmann::json::parse(r.saida);
+
+  EXPECT_EQ(doc["tocadas"], 20);  // back to back, three minutes each
+  ASSERT_EQ(doc["por_hora"].size(), 1u);
+  EXPECT_EQ(doc["por_hora"][0]["tocadas"], 20);
+  const auto& artista = doc["menor_intervalo"]["artista"];
+  EXPECT_GE(artista["minutos"]["valor"].get<double>(), 30) << artista;
+  EXPECT_GE(artista["musicas"]["valor"].get<double>(), 10) << artista;
+  // A title comes back only with its artist.
+  const auto& titulo = doc["menor_intervalo"]["titulo"]["minutos"];
+  if (!titulo.is_null()) {
+    EXPECT_GE(titulo["valor"].get<double>(), 30);
+  }
+  ASSERT_EQ(doc["regras"].size(), 1u);
+  const auto& regra = doc["regras"][0];
+  EXPECT_EQ(regra["id"], "02");
+  EXPECT_EQ(regra["aplicada"], doc["escolhidas"]);
+  EXPECT_EQ(regra["negada"], 0);
+  EXPECT_EQ(regra["removeu"].get<int>(), doc["escolhidas"].get<int>() - 1);  // all but the very first choice
+
+  // The station's own folder is exactly as it was: no queue, no media hand-over, no log.
+  EXPECT_EQ(Conteudo(estacao), antes);
+
+  const std::string html = saida.Ler("dia.html");
+  EXPECT_EQ(html.rfind("<!DOCTYPE html>", 0), 0u);
+  EXPECT_NE(html.find("<svg"), std::string::npos);
+  EXPECT_NE(html.find("mesmo artista"), std::string::npos);
+  EXPECT_EQ(html.find("src="), std::string::npos);  // nothing outside the file
+
+  // The same seed gives the same day.
+  auto outra = nlohmann::json::parse(RodarCli(args).saida);
+  doc.erase("segundos_de_execucao");
+  outra.erase("segundos_de_execucao");
+  EXPECT_EQ(outra, doc);
+}
+
+TEST(Simular, CurvaDeNivelTrocaOConjuntoDeRegras) {
+  EstacaoTeste estacao;
+  GravarEstacao(estacao);
+  estacao.Regra(1, true, "99").Regra(2, true, "15").GravarRegras();
+  estacao.GravarTexto("curva.txt", "# manhã\n06:00 20\n\n10:30   80  # pico\n");
+  const teste::ResultadoCli r =
+      RodarCli({"simular", "--dir", estacao.Pasta().string(), "--inicio", "2026-11-22 10:00", "--horas", "1",
+                "--curva", estacao.Caminho("curva.txt").string(), "--avancar", "100", "--json"});
+  ASSERT_EQ(r.codigo, 0) << r.erros;
+  const auto doc = nlohmann::json::parse(r.saida);
+  ASSERT_EQ(doc["niveis"].size(), 2u);
+  EXPECT_EQ(doc["niveis"][1]["desde"], "2026-11-22 10:30:00");
+  EXPECT_EQ(doc["niveis"][1]["nivel"], 80);
+  for (const auto& t : doc["sequencia"]) {
+    EXPECT_EQ(t["nivel"], t["momento"].get<std::string>() < "2026-11-22 10:30" ? 20 : 80);
+    EXPECT_TRUE(t["avancada"].get<bool>());
+  }
+  EXPECT_EQ(doc["tocadas"], 40);  // every song skipped halfway
+  ASSERT_EQ(doc["regras"].size(), 2u);
+  EXPECT_EQ(doc["regras"][0]["conjunto"], 1);
+  EXPECT_GT(doc["regras"][0]["aplicada"].get<int>(), 0);
+  EXPECT_EQ(doc["regras"][1]["conjunto"], 2);
+  EXPECT_GT(doc["regras"][1]["nao_realizada"].get<int>(), 0);
+}
+
+TEST(Simular, ErrosDeArgumentoEmUmaLinha) {
+  EstacaoTeste estacao;
+  GravarEstacao(estacao);
+  estacao.GravarRegras();
+  estacao.GravarTexto("ruim.txt", "06:00 20\n7h 30\n");
+  const std::string dir = estacao.Pasta().string();
+  const std::vector<std::vector<std::string>> casos{
+      {"simular", "--dir", dir, "--curva", estacao.Caminho("ruim.txt").string()},
+      {"simular", "--dir", dir, "--nivel", "50", "--curva", estacao.Caminho("ruim.txt").string()},
+      {"simular", "--dir", dir, "--nivel", "101"},
+      {"simular", "--dir", dir, "--inicio", "amanhã"},
+      {"simular", "--dir", estacao.Caminho("falta").string()},
+  };
+  for (const auto& args : casos) {
+    const teste::ResultadoCli r = RodarCli(args);
+    EXPECT_NE(r.codigo, 0) << args.back();
+    EXPECT_EQ(std::count(r.erros.begin(), r.erros.end(), '\n'), 1) << r.erros;
+  }
+  EXPECT_NE(RodarCli(casos[0]).erros.find("ruim.txt:2"), std::string::npos);
+  EXPECT_EQ(RodarCli({"simular", "--help"}).codigo, 0);
+}
+
+}  // namespace
+}  // namespace lumavox::cli
