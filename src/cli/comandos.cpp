@@ -23,6 +23,7 @@ constexpr const char* kRodapeAjuda =
     "  station.md         a pasta da estação, arquivo por arquivo (rdb, fila, banco de log)\n"
     "  rules.md           cada regra (01 a 34): variáveis, período, recusa, particularidades\n"
     "  selection-run.md   a execução da seleção e a entrega ao tocador (select, run, tocar)\n"
+    "  station-tools.md   importar, regras, simular\n"
     "  schedule-tables.md tabelas de agenda da regra 25 (rdb tabela)";
 }  // namespace
 
