@@ -5,6 +5,8 @@
 #include <cmath>
 #include <cstdio>
 #include <limits>
+#include <string_view>
+#include <system_error>
 
 #include "base/erro.h"
 
@@ -50,15 +52,21 @@ std::optional<double> ConverterNumero(std::u16string_view t) {
     }
   }
   if (digitos == 0) return std::nullopt;
-  double valor;
+  double valor = 0;
   if (!decimal && digitos <= 15) {
     valor = static_cast<double>(inteiro);
-  } else if (n <= sizeof ascii) {
-    std::from_chars(ascii, ascii + n, valor);
   } else {
     std::string longo;
-    for (size_t j = fim - n; j < fim; ++j) longo.push_back(t[j] == u',' ? '.' : static_cast<char>(t[j]));
-    std::from_chars(longo.data(), longo.data() + longo.size(), valor);
+    if (n > sizeof ascii)
+      for (size_t j = fim - n; j < fim; ++j) longo.push_back(t[j] == u',' ? '.' : static_cast<char>(t[j]));
+    const char* inicio = n > sizeof ascii ? longo.data() : ascii;
+    // from_chars leaves the value untouched when it does not fit a double: a text past the
+    // double's range is not a number, and one too small to tell from zero is zero.
+    if (std::from_chars(inicio, inicio + n, valor).ec == std::errc::result_out_of_range) {
+      const std::string_view texto(inicio, n);
+      if (texto.substr(0, texto.find('.')).find_first_not_of('0') != std::string_view::npos) return std::nullopt;
+      valor = 0;
+    }
   }
   return negativo ? -valor : valor;
 }

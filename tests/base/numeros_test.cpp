@@ -46,6 +46,17 @@ TEST(ValorNumerico, AceitaVirgulaEPontoERecusaOResto) {
   EXPECT_FALSE(EhNumerico(u""));
 }
 
+TEST(ValorNumerico, ForaDoAlcanceDoDouble) {
+  // Past the double's range is not a number; too small to tell from zero is zero.
+  const std::u16string enorme = u"8" + std::u16string(400, u'6');
+  EXPECT_FALSE(ConverterNumero(enorme).has_value());
+  EXPECT_EQ(ValorNumerico(enorme), 0);
+  EXPECT_EQ(CodigoLancado([&] { TextoParaInteiro32(enorme); }), CodigoErro::TiposIncompativeis);
+  EXPECT_FALSE(ConverterNumero(u"-" + enorme + u",5").has_value());
+  EXPECT_EQ(ConverterNumero(u"0," + std::u16string(400, u'0') + u"1"), 0.0);
+  EXPECT_EQ(ConverterNumero(std::u16string(400, u'0') + u"1,5"), 1.5);
+}
+
 TEST(ArredondarPar, MetadesVaoParaOPar) {
   EXPECT_EQ(ArredondarPar(0.5), 0);
   EXPECT_EQ(ArredondarPar(1.5), 2);
