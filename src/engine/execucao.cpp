@@ -24,6 +24,15 @@ constexpr int kEsperaEntregaMs = 800;
 constexpr int kEsperaAcervoPequenoMs = 60000;
 constexpr int64_t kMaiorContador = 999999;
 
+std::optional<MarcaArquivo> MarcaDe(const fs::path& arquivo) {
+  std::error_code ec;
+  const auto momento = fs::last_write_time(arquivo, ec);
+  if (ec) return std::nullopt;
+  const auto tamanho = fs::file_size(arquivo, ec);
+  if (ec) return std::nullopt;
+  return MarcaArquivo{momento, tamanho};
+}
+
 }  // namespace
 
 void ChecarMusicasTocadas(Historico& h) {
@@ -44,14 +53,16 @@ void Motor::LerNivel() {
       ++x.Tentativas;
       continue;
     }
-    const double valor = ValorNumerico(*linha);
-    if (valor != x.NivelAtual) {
-      // A level too large for the counter keeps the old one, but still counts as a change.
-      try {
-        x.NivelAtual = ParaInteiro16(valor);
-      } catch (const ErroExecucao&) {
+    // The level is compared once rounded, and one too large for the counter keeps the old one
+    // without a change: either way the file's value would otherwise count as a new level at
+    // every read, and void the queue every second for as long as the player leaves it there.
+    try {
+      const int16_t nivel = ParaInteiro16(ValorNumerico(*linha));
+      if (nivel != x.NivelAtual) {
+        x.NivelAtual = nivel;
+        if (x.Iniciado) x.NivelMudou = 1;
       }
-      if (x.Iniciado) x.NivelMudou = 1;
+    } catch (const ErroExecucao&) {
     }
     return;
   }
@@ -60,7 +71,11 @@ void Motor::LerNivel() {
 void Motor::LerAvanco() {
   Execucao& x = estado_.execucao;
   const fs::path arquivo = caminhoApp_ / "avancar.rer";
-  std::optional<Texto> linha = LerPrimeiraLinha(arquivo);
+  // A click whose file could not be deleted is read once: the same file is the same click
+  // until the player writes it again.
+  const std::optional<MarcaArquivo> marca = MarcaDe(arquivo);
+  std::optional<Texto> linha;
+  if (!avancoNaoApagado_ || marca != avancoNaoApagado_) linha = LerPrimeiraLinha(arquivo);
   if (!linha) {
     x.CliqueAvancar = 0;
     return;
@@ -70,7 +85,8 @@ void Motor::LerAvanco() {
     x.CliqueAvancar = ParaInteiro16(ValorNumerico(*linha));
   } catch (const ErroExecucao&) {
   }
-  ApagarArquivo(arquivo);
+  avancoNaoApagado_.reset();
+  if (!ApagarArquivo(arquivo)) avancoNaoApagado_ = marca;
 }
 
 long Motor::EscolherMusica() {
@@ -115,6 +131,11 @@ ResultadoExecucao Motor::TestarRegras() {
   LerNivel();
 
   auto Fila = [&] { return ListarArquivos(pastaFila, ".lre"); };
+  // A voided queue entry takes its media along: nothing would ever play or delete it.
+  auto Anular = [&](const fs::path& entrada) {
+    ApagarArquivo(entrada);
+    ApagarArquivo(pastaTemp / (entrada.filename().string().substr(0, 6) + ".mrt"));
+  };
   if (x.Iniciado && Fila().size() >= 2 && x.NivelMudou == 0 && x.CliqueAvancar == 0) {
     return resultado;
   }
@@ -134,7 +155,9 @@ ResultadoExecucao Motor::TestarRegras() {
     if (x.NivelMudou != 1) LerNivel();
     if (x.CliqueAvancar < 1) LerAvanco();
     if (x.CliqueAvancar >= 1) {
-      ApagarArquivos(Fila());  // the queued choices are void after an advance
+      // The queued choices are void after an advance; last to first, as the player lists them.
+      const std::vector<fs::path> fila = Fila();
+      for (auto it = fila.rbegin(); it != fila.rend(); ++it) Anular(*it);
       x.NivelMudou = 0;
     }
 
@@ -162,7 +185,13 @@ ResultadoExecucao Motor::TestarRegras() {
       feita.mrt = "temp/" + nomeTemp;
     ambiente_.Esperar(kEsperaEntregaMs);
     const std::string nomeFila = NomeArquivoFila(x.ContadorSaida, codigo, x.NivelAtual);
-    if (EscreverFila(caminhoApp_, nomeFila, codigo)) feita.lre = "list/" + nomeFila;
+    if (EscreverFila(caminhoApp_, nomeFila, codigo)) {
+      feita.lre = "list/" + nomeFila;
+    } else if (feita.mrt) {
+      // Media without a queue entry would never be played nor deleted: it goes at once.
+      ApagarArquivo(pastaTemp / nomeTemp);
+      feita.mrt.reset();
+    }
 
     if (sel.MusicasEscolhidas > 1) {
       const double duracao = ValorNumerico(a.AcervoTags(escolhido, 17));
@@ -177,9 +206,7 @@ ResultadoExecucao Motor::TestarRegras() {
       // media go, the song just chosen for the new level stays, and the loop fills the queue
       // again at the new level.
       for (const fs::path& antigo : Fila()) {
-        if (antigo.filename() == nomeFila) continue;
-        ApagarArquivo(antigo);
-        ApagarArquivo(pastaTemp / (antigo.filename().string().substr(0, 6) + ".mrt"));
+        if (antigo.filename() != nomeFila) Anular(antigo);
       }
       x.NivelMudou = 0;
     }

@@ -3,10 +3,12 @@
 // of DefinirAcervo/VerificarPlaylist; Iniciar absorbs them as the start-up does.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "base/ambiente.h"
 #include "engine/estado.h"
@@ -15,6 +17,9 @@
 namespace lumavox {
 
 namespace fs = std::filesystem;
+
+// What tells one version of a small exchange file from the next: its write time and size.
+using MarcaArquivo = std::pair<fs::file_time_type, std::uintmax_t>;
 
 class Motor {
  public:
@@ -63,6 +68,8 @@ class Motor {
   Estado estado_;
   std::unique_ptr<OrigemHistorico> historico_;
   std::optional<std::string> ultimoErro_;
+  // Write time and size of an advance file that was read but could not be deleted.
+  std::optional<MarcaArquivo> avancoNaoApagado_;
 };
 
 }  // namespace lumavox

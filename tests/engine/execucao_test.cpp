@@ -89,8 +89,8 @@ TEST_F(ExecucaoTeste, AvancoAnulaAFilaEMudancaDeNivelTrocaAsEntregasAntigas) {
   EXPECT_EQ(r.selecoes[0].conjunto, 2);
   for (const std::string& nome : Fila()) EXPECT_EQ(nome.substr(15), "080.lre");
   EXPECT_EQ(Fila().size(), 2u);
-  // The replaced entries' media went with them.
-  EXPECT_EQ(ListarArquivos(estacao.Caminho("temp"), ".mrt").size(), 4u);
+  // The replaced and voided entries' media went with them; the one being played stays.
+  EXPECT_EQ(ListarArquivos(estacao.Caminho("temp"), ".mrt").size(), 3u);
 }
 
 TEST_F(ExecucaoTeste, CinquentaMusicasEsperamECinquentaEUmaEscolhem) {

@@ -1,0 +1,407 @@
+// The engine under broken files, folders, databases and clocks: each fault leaves it choosing
+// as its documented behaviour says, and the station folder loses only what the run deletes.
+#include <grp.h>
+#include <sqlite3.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <functional>
+#include <map>
+#include <set>
+
+#include <gtest/gtest.h>
+
+#include "apoio/estacao.h"
+#include "cli/demo.h"
+#include "engine/motor.h"
+#include "stores/banco_sqlite.h"
+#include "stores/historico_banco.h"
+#include "stores/saida.h"
+
+namespace lumavox {
+namespace {
+
+using teste::EstacaoTeste;
+
+constexpr uid_t kNinguem = 65534;
+
+// Runs `cenario` in a child process that file permissions bind: as root it first hands the
+// station folder to "nobody" and drops to that user. Returns the child's complaint (empty when
+// all held), or nothing when permissions cannot be made to bind here.
+std::optional<std::string> SemPrivilegios(const fs::path& pasta, const std::function<std::string()>& cenario) {
+  const bool root = ::geteuid() == 0;
+  if (root) {
+    if (::chown(pasta.c_str(), kNinguem, kNinguem) != 0) return std::nullopt;
+    for (const auto& item : fs::recursive_directory_iterator(pasta))
+      if (::lchown(item.path().c_str(), kNinguem, kNinguem) != 0) return std::nullopt;
+  }
+  int canal[2];
+  if (::pipe(canal) != 0) return std::nullopt;
+  const pid_t filho = ::fork();
+  if (filho == 0) {
+    ::close(canal[0]);
+    if (root && (::setgroups(0, nullptr) != 0 || ::setgid(kNinguem) != 0 || ::setuid(kNinguem) != 0)) ::_exit(2);
+    std::string queixa;
+    try {
+      queixa = cenario();
+    } catch (const std::exception& e) {
+      queixa = std::string("exceção: ") + e.what();
+    }
+    if (!queixa.empty() && ::write(canal[1], queixa.data(), queixa.size()) < 0) ::_exit(3);
+    ::_exit(0);
+  }
+  ::close(canal[1]);
+  std::string queixa;
+  char bloco[512];
+  for (ssize_t n; (n = ::read(canal[0], bloco, sizeof bloco)) > 0;) queixa.append(bloco, static_cast<size_t>(n));
+  ::close(canal[0]);
+  int estado = 0;
+  ::waitpid(filho, &estado, 0);
+  // Whatever the child left locked, the folder must be removable afterwards.
+  for (const auto& item : fs::recursive_directory_iterator(pasta))
+    if (item.is_directory()) fs::permissions(item.path(), fs::perms::owner_all);
+  fs::permissions(pasta, fs::perms::owner_all);
+  if (!WIFEXITED(estado) || WEXITSTATUS(estado) == 2) return std::nullopt;
+  if (WEXITSTATUS(estado) != 0) return "o processo filho terminou com " + std::to_string(WEXITSTATUS(estado));
+  return queixa;
+}
+
+class Falhas : public ::testing::Test {
+ protected:
+  // `musicas` songs with codes 1.. and a media file each, plus one empty rule set.
+  void Montar(int musicas = 60) {
+    for (int c = 1; c <= musicas; ++c) estacao.Musica(c, {{"Genero", c % 2 ? "Rock;" : "Pop;"}, {"DuracaoSec", "200"}});
+    estacao.GravarAcervo();
+    estacao.Regra(0, true, "01", "", {"Genero:Rock"});
+    estacao.GravarRegras();
+    estacao.GravarTexto("ritmo.rer", "50\r\n");
+    Ligar();
+  }
+  void Ligar() {
+    motor = std::make_unique<Motor>(estacao.Pasta(), ambiente);
+    motor->DefinirOrigemHistorico(std::make_unique<OrigemHistoricoBanco>(estacao.Pasta()));
+    motor->Iniciar();
+    preservados = Preservados();
+  }
+
+  std::vector<std::string> Fila() const {
+    std::vector<std::string> nomes;
+    for (const auto& p : ListarArquivos(estacao.Caminho("list"), ".lre")) nomes.push_back(p.filename().string());
+    return nomes;
+  }
+  // The player takes the first queue entry and its media.
+  void Tocar() {
+    const std::vector<std::string> fila = Fila();
+    if (fila.empty()) return;
+    fs::remove(estacao.Caminho("list") / fila.front());
+    fs::remove(estacao.Caminho("temp") / (fila.front().substr(0, 6) + ".mrt"));
+  }
+  // Songs play until the engine has checked the playlist often enough to reload it.
+  void TocarAteRecarregar() {
+    for (int i = 0; i < 7; ++i) {
+      Tocar();
+      motor->TestarRegras();
+    }
+  }
+  size_t Midias() const { return ListarArquivos(estacao.Caminho("temp"), ".mrt").size(); }
+
+  // Every file of the station the run has no business deleting, with its bytes.
+  std::map<std::string, std::string> Preservados() const {
+    std::map<std::string, std::string> arquivos;
+    for (const auto& item : fs::recursive_directory_iterator(estacao.Pasta())) {
+      if (!item.is_regular_file()) continue;
+      const std::string nome = fs::relative(item.path(), estacao.Pasta()).generic_string();
+      if (nome.starts_with("list/") || nome.starts_with("temp/") || nome == "avancar.rer" || nome == "nreg.rer")
+        continue;
+      arquivos[nome] = estacao.Ler(nome);
+    }
+    return arquivos;
+  }
+  // The files the run must leave alone are all still there, unchanged, but for those the test
+  // itself changed.
+  void ConferirPreservados(const std::set<std::string>& mudadosPeloTeste = {}) const {
+    const auto agora = Preservados();
+    for (const auto& [nome, bytes] : preservados) {
+      if (mudadosPeloTeste.count(nome)) continue;
+      auto it = agora.find(nome);
+      if (it == agora.end()) {
+        ADD_FAILURE() << nome << " foi apagado";
+      } else {
+        EXPECT_EQ(it->second, bytes) << nome << " foi alterado";
+      }
+    }
+  }
+
+  EstacaoTeste estacao;
+  AmbienteFixo ambiente{MontarDataHora(2026, 11, 22, 10, 0, 0), 3};
+  std::unique_ptr<Motor> motor;
+  std::map<std::string, std::string> preservados;
+};
+
+TEST_F(Falhas, RitmoAusenteVazioOuIlegivelMantemONivel) {
+  Montar();
+  ASSERT_EQ(motor->TestarRegras().selecoes.size(), 2u);
+  for (const char* falha : {"ausente", "vazio"}) {
+    if (std::string(falha) == "ausente") fs::remove(estacao.Caminho("ritmo.rer"));
+    else estacao.GravarTexto("ritmo.rer", "");
+    Tocar();
+    const ResultadoExecucao r = motor->TestarRegras();
+    ASSERT_EQ(r.selecoes.size(), 1u) << falha;
+    EXPECT_EQ(r.selecoes[0].nivel, 50) << falha;
+    EXPECT_EQ(motor->E().execucao.Tentativas, 100) << falha;
+  }
+
+  // Not a number is level 0: the queue is chosen again, all at the new level.
+  estacao.GravarTexto("ritmo.rer", "rápido\r\n");
+  Tocar();
+  const ResultadoExecucao r = motor->TestarRegras();
+  ASSERT_EQ(r.selecoes.size(), 2u);
+  EXPECT_EQ(r.selecoes[1].nivel, 0);
+  EXPECT_EQ(r.selecoes[1].conjunto, 1);
+  for (const std::string& nome : Fila()) EXPECT_TRUE(nome.ends_with("_000.lre")) << nome;
+
+  // A level past 16 bits, or one that rounds to the level in force, changes nothing: the
+  // queue is only topped up as the songs play.
+  for (const char* texto : {"99999", "0,4", "-0,5"}) {
+    estacao.GravarTexto("ritmo.rer", texto);
+    Tocar();
+    const ResultadoExecucao s = motor->TestarRegras();
+    ASSERT_EQ(s.selecoes.size(), 1u) << texto;
+    EXPECT_EQ(s.selecoes[0].nivel, 0) << texto;
+    EXPECT_EQ(Fila().size(), 2u);
+    EXPECT_EQ(Midias(), 2u);
+  }
+  ConferirPreservados({"ritmo.rer"});
+}
+
+TEST_F(Falhas, RitmoSemPermissaoDeLeitura) {
+  Montar();
+  motor->TestarRegras();
+  auto queixa = SemPrivilegios(estacao.Pasta(), [&]() -> std::string {
+    fs::permissions(estacao.Caminho("ritmo.rer"), fs::perms::none);
+    if (std::ifstream(estacao.Caminho("ritmo.rer")).good()) return "ritmo.rer ainda se lê";
+    Tocar();
+    const ResultadoExecucao r = motor->TestarRegras();
+    if (r.selecoes.size() != 1 || r.selecoes[0].nivel != 50) return "sem escolha no nível anterior";
+    if (motor->E().execucao.Tentativas != 100) return "não tentou 100 vezes";
+    return "";
+  });
+  if (!queixa) GTEST_SKIP() << "as permissões de arquivo não valem aqui";
+  EXPECT_EQ(*queixa, "");
+}
+
+TEST_F(Falhas, AvancoQueNaoSePodeApagarContaUmaVez) {
+  Montar();
+  motor->TestarRegras();
+  auto queixa = SemPrivilegios(estacao.Pasta(), [&]() -> std::string {
+    estacao.GravarTexto("avancar.rer", "1\r\n");
+    // The player's folder is read-only now: the click cannot be deleted after it is read.
+    fs::permissions(estacao.Pasta(), fs::perms::owner_read | fs::perms::owner_exec);
+    if (::access(estacao.Pasta().c_str(), W_OK) == 0) return "pasta ainda gravável";
+    std::string problemas;
+    // The first call voids the queue for the click and fills it again; the songs played after
+    // it only top it up: the file still there is not a new click.
+    for (int i = 0; i < 4; ++i) {
+      Tocar();
+      const size_t esperadas = i == 0 ? 2 : 1;
+      const ResultadoExecucao r = motor->TestarRegras();
+      if (r.selecoes.size() != esperadas) problemas += std::to_string(r.selecoes.size()) + " escolhas na chamada " + std::to_string(i) + "; ";
+      if (Fila().size() != 2) problemas += "fila com " + std::to_string(Fila().size()) + "; ";
+    }
+    if (motor->E().execucao.ContagemAvancos != 1) problemas += "ContagemAvancos " + std::to_string(motor->E().execucao.ContagemAvancos) + "; ";
+    if (!estacao.Existe("avancar.rer")) problemas += "avancar.rer sumiu; ";
+    // The player clicks again: the file changes and counts as a new advance.
+    std::ofstream(estacao.Caminho("avancar.rer"), std::ios::trunc) << "1\r\n\r\n";
+    Tocar();
+    if (motor->TestarRegras().selecoes.size() != 2 || motor->E().execucao.ContagemAvancos != 2)
+      problemas += "um novo clique não contou; ";
+    return problemas;
+  });
+  if (!queixa) GTEST_SKIP() << "as permissões de pasta não valem aqui";
+  EXPECT_EQ(*queixa, "");
+}
+
+TEST_F(Falhas, PastasDeEntregaRemovidasOuInutilizaveis) {
+  Montar();
+  motor->TestarRegras();
+  fs::remove_all(estacao.Caminho("list"));
+  fs::remove_all(estacao.Caminho("temp"));
+  EXPECT_EQ(motor->TestarRegras().selecoes.size(), 2u);
+  EXPECT_EQ(Fila().size(), 2u);
+  EXPECT_EQ(Midias(), 2u);
+
+  // A file where list/ should be: nothing can be queued, so no media may pile up in temp/.
+  fs::remove_all(estacao.Caminho("list"));
+  estacao.GravarTexto("list", "não é pasta");
+  for (int i = 0; i < 3; ++i) {
+    const ResultadoExecucao r = motor->TestarRegras();
+    ASSERT_FALSE(r.selecoes.empty());
+    EXPECT_FALSE(r.selecoes.back().lre.has_value());
+  }
+  EXPECT_EQ(Midias(), 2u);
+  fs::remove(estacao.Caminho("list"));
+  EXPECT_EQ(motor->TestarRegras().selecoes.size(), 2u);
+  EXPECT_EQ(Fila().size(), 2u);
+
+  auto queixa = SemPrivilegios(estacao.Pasta(), [&]() -> std::string {
+    Tocar();
+    fs::permissions(estacao.Caminho("list"), fs::perms::owner_read | fs::perms::owner_exec);
+    const size_t midias = Midias();
+    const ResultadoExecucao r = motor->TestarRegras();
+    if (r.selecoes.empty()) return "parou de escolher";
+    if (r.selecoes.back().lre) return "gravou numa list/ só de leitura";
+    if (Midias() != midias) return "mídia sem fila ficou em temp/: " + std::to_string(Midias() - midias);
+    return "";
+  });
+  if (queixa) {
+    EXPECT_EQ(*queixa, "");
+  }
+  ConferirPreservados();
+}
+
+TEST_F(Falhas, MidiaApagadaEntreACargaEACopia) {
+  Montar();
+  motor->TestarRegras();
+  fs::remove(estacao.Caminho("mre/0000007.mre"));
+  Tocar();
+  motor->E().execucao.MusicaForcada = 7;
+  const ResultadoExecucao r = motor->TestarRegras();
+  ASSERT_EQ(r.selecoes.size(), 1u);
+  EXPECT_EQ(r.selecoes[0].escolhida, 7);
+  EXPECT_FALSE(r.selecoes[0].mrt.has_value());
+  EXPECT_TRUE(r.selecoes[0].lre.has_value());
+
+  // The next load drops the song: forcing it then leaves the draw alone.
+  TocarAteRecarregar();
+  EXPECT_EQ(motor->E().acervo.TotalMusicas, 59);
+  Tocar();
+  motor->E().execucao.MusicaForcada = 7;
+  const ResultadoExecucao depois = motor->TestarRegras();
+  ASSERT_EQ(depois.selecoes.size(), 1u);
+  EXPECT_NE(depois.selecoes[0].escolhida, 7);
+  EXPECT_TRUE(depois.selecoes[0].mrt.has_value());
+  ConferirPreservados({"mre/0000007.mre"});
+}
+
+// The faults of the log database, each applied to a good one.
+enum class DefeitoBanco { Ausente, Truncado, Lixo, Bloqueado };
+
+class FalhasBanco : public Falhas, public ::testing::WithParamInterface<DefeitoBanco> {};
+
+TEST_P(FalhasBanco, HistoricoFicaComoEstavaEAEscolhaSegue) {
+  {
+    BancoLogs banco(estacao.Caminho("lumavox.db"));
+    std::vector<RegistroLog> tocadas;
+    for (int i = 0; i < 400; ++i) tocadas.push_back({1 + i % 60, SomarSegundos(ambiente.Agora(), -300 * (400 - i)), 0});
+    banco.Registrar(tocadas);
+  }
+  Montar();
+  const Historico& h = motor->E().historico;
+  ASSERT_EQ(h.HistoricoCodigos[-1], 1 + 399 % 60);
+  const std::string bom = estacao.Ler("lumavox.db");
+
+  sqlite3* escritor = nullptr;
+  switch (GetParam()) {
+    case DefeitoBanco::Ausente: fs::remove(estacao.Caminho("lumavox.db")); break;
+    case DefeitoBanco::Truncado: estacao.GravarTexto("lumavox.db", bom.substr(0, bom.size() / 3)); break;
+    case DefeitoBanco::Lixo: estacao.GravarTexto("lumavox.db", std::string(bom.size(), 'x')); break;
+    case DefeitoBanco::Bloqueado:
+      ASSERT_EQ(sqlite3_open(estacao.Caminho("lumavox.db").c_str(), &escritor), SQLITE_OK);
+      ASSERT_EQ(sqlite3_exec(escritor, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
+      break;
+  }
+  const std::string antes = estacao.Existe("lumavox.db") ? estacao.Ler("lumavox.db") : "";
+  const auto inicio = std::chrono::steady_clock::now();
+  motor->CarregarMusicasTocadas();
+  EXPECT_LT(std::chrono::steady_clock::now() - inicio, std::chrono::seconds(3));
+  if (GetParam() != DefeitoBanco::Truncado) {
+    EXPECT_EQ(h.HistoricoCodigos[-1], 1 + 399 % 60);
+  }
+  EXPECT_EQ(motor->TestarRegras().selecoes.size(), 2u);
+  TocarAteRecarregar();
+  EXPECT_EQ(Fila().size(), 2u);
+  if (GetParam() != DefeitoBanco::Ausente) {
+    EXPECT_EQ(estacao.Ler("lumavox.db"), antes);
+  }
+  sqlite3_close(escritor);
+  ConferirPreservados({"lumavox.db"});
+}
+
+INSTANTIATE_TEST_SUITE_P(Defeitos, FalhasBanco,
+                         ::testing::Values(DefeitoBanco::Ausente, DefeitoBanco::Truncado, DefeitoBanco::Lixo,
+                                           DefeitoBanco::Bloqueado));
+
+// The rule entries of the latest selection, by rule number.
+std::vector<Texto> RegrasDaUltima(const Motor& m) {
+  std::vector<Texto> ids;
+  for (const NoLog& no : m.E().log.Selecoes().back().filhos)
+    if (!no.id.empty()) ids.push_back(no.id);
+  return ids;
+}
+
+TEST_F(Falhas, ArquivoDeRegrasTrocadoDuranteAExecucao) {
+  Montar();
+  motor->TestarRegras();
+  EXPECT_EQ(RegrasDaUltima(*motor), std::vector<Texto>{u"01"});
+
+  estacao.Regra(0, true, "15").Regra(0, true, "99");
+  estacao.GravarRegras();
+  TocarAteRecarregar();
+  EXPECT_EQ(RegrasDaUltima(*motor), (std::vector<Texto>{u"15", u"99"}));
+
+  // Garbage halfway through the file: the load stops there, the count stays, choices go on.
+  const std::string bom = estacao.Ler("lxie0.rdb");
+  estacao.GravarTexto("lxie0.rdb", bom.substr(0, bom.find('\n') + 1) + "0999999\n");
+  TocarAteRecarregar();
+  EXPECT_EQ(Fila().size(), 2u);
+  EXPECT_EQ(RegrasDaUltima(*motor), (std::vector<Texto>{u"15", u"99"}));
+  ASSERT_TRUE(motor->UltimoErro().has_value());
+
+  estacao.Regra(0, true, "99");
+  estacao.GravarRegras();
+  TocarAteRecarregar();
+  EXPECT_EQ(RegrasDaUltima(*motor), std::vector<Texto>{u"99"});
+  EXPECT_EQ(Fila().size(), 2u);
+  ConferirPreservados({"lxie0.rdb", "lxie1.rdb", "lxie2.rdb"});
+}
+
+TEST_F(Falhas, RelogioVoltaUmaHoraEPassaDaMeiaNoite) {
+  cli::OpcoesDemo op;
+  op.musicas = 300;
+  op.bytesMre = 8;
+  cli::GerarEstacaoDemo(estacao.Pasta(), op);
+  ambiente.DefinirAgora(MontarDataHora(2026, 11, 22, 23, 59, 30));
+  Ligar();
+  ASSERT_EQ(motor->TestarRegras().selecoes.size(), 2u);
+  const fs::path noite = estacao.Pasta() / "madrugada";
+
+  struct Passo {
+    DataHora agora;
+    bool deNoite;
+  };
+  const Passo passos[] = {
+      {MontarDataHora(2026, 11, 22, 23, 59, 30), false},
+      {MontarDataHora(2026, 11, 23, 0, 0, 30), true},    // past midnight: the night playlist
+      {MontarDataHora(2026, 11, 23, 0, 40, 0), true},
+      {MontarDataHora(2026, 11, 22, 23, 40, 0), false},  // back an hour, to the day before
+      {MontarDataHora(2026, 11, 22, 23, 10, 0), false},
+      {MontarDataHora(2026, 11, 23, 0, 10, 0), true},
+  };
+  for (const Passo& p : passos) {
+    ambiente.DefinirAgora(p.agora);
+    for (int i = 0; i < 3; ++i) {
+      Tocar();
+      const ResultadoExecucao r = motor->TestarRegras();
+      ASSERT_EQ(r.selecoes.size(), 1u) << FormatarIso(p.agora);
+      EXPECT_EQ(Fila().size(), 2u);
+      EXPECT_EQ(motor->E().acervo.PastaDados == noite, p.deNoite) << FormatarIso(p.agora);
+      for (const NoLog& no : motor->E().log.Selecoes().back().filhos)
+        EXPECT_NE(no.tipo, TipoLog::Erro) << ParaUtf8(no.texto);
+    }
+  }
+  ConferirPreservados();
+}
+
+}  // namespace
+}  // namespace lumavox
