@@ -4,7 +4,9 @@
 // only when asked (--avancar) and logs its plays into the copy's log database; the level comes
 // from --nivel, a daily curve (--curva) or the station's ritmo.rer.
 #include <algorithm>
+#include <atomic>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -100,6 +102,24 @@ class CopiaDaEstacao {
   }
 
   fs::path pasta_;
+};
+
+std::atomic<bool> g_interromper{false};
+
+extern "C" void PedirInterrupcao(int) { g_interromper = true; }
+
+// Ctrl-C or SIGTERM end the run at the next song, so the scratch copy is still removed.
+class InterrupcaoLimpa {
+ public:
+  InterrupcaoLimpa() {
+    g_interromper = false;
+    std::signal(SIGINT, PedirInterrupcao);
+    std::signal(SIGTERM, PedirInterrupcao);
+  }
+  ~InterrupcaoLimpa() {
+    std::signal(SIGINT, SIG_DFL);
+    std::signal(SIGTERM, SIG_DFL);
+  }
 };
 
 // Adds this selection's rule outcomes, read from its subtree of the rule log.
@@ -200,6 +220,7 @@ void ExecutarSimular(Contexto& ctx, const OpcoesSimular& op) {
   }
   auto NivelEm = [&](DataHora d) { return curva ? curva->NivelEm(d) : nivelFixo; };
 
+  InterrupcaoLimpa interrupcao;
   std::unique_ptr<CopiaDaEstacao> copia;
   try {
     copia = std::make_unique<CopiaDaEstacao>(estacao);
@@ -253,6 +274,7 @@ void ExecutarSimular(Contexto& ctx, const OpcoesSimular& op) {
   Rodar();
   int ociosas = 0;
   while (ambiente.Agora() < sim.fim) {
+    if (g_interromper) return Falhar("simulação interrompida", 130);
     progresso.Mostrar(FormatarIso(ambiente.Agora()).substr(0, 16));
     std::string aviso;
     const DataHora comeco = ambiente.Agora();
