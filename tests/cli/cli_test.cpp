@@ -69,7 +69,7 @@ TEST(CliAcervo, PastaAusenteOuArgumentoRuimSaiComErroDeUmaLinha) {
 
 TEST(CliAcervo, CargaInterrompidaAvisaEMostraOQueCarregou) {
   teste::EstacaoTeste estacao;
-  estacao.GravarTexto("lxdb.rdb", std::string("\x7f\x45\x4c\x46\x00\x01garbage\n\xff\xfe", 18));
+  estacao.GravarTexto("lxdb.rdb", std::string("\x7f\x45\x4c\x46\x00\x01garbage\n\xff\xfe", 16));
   Resultado r = Rodar({"acervo", "--dir", estacao.Pasta().string(), "--json"});
   EXPECT_EQ(r.codigo, 0);
   EXPECT_NE(r.erros.find("aviso:"), std::string::npos);
