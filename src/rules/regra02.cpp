@@ -40,16 +40,28 @@ void Regra02(Estado& e, double horas) {
   // Asking for a repeat when nothing was played in the window would leave no song at all.
   if (repetir && recentes.empty()) return;
 
+  // A full window holds thousands of plays: under the usual comparison mode their values are
+  // gathered in a set once, instead of comparing every candidate with every play.
+  const bool porConjunto = ValoresOuvidos::Serve(e, campo);
+  ValoresOuvidos ouvidos(porConjunto ? recentes.size() : 0);
+  if (porConjunto)
+    for (int16_t s : recentes) ouvidos.Adicionar(e, campo, s);
+
   Selecao& sel = e.selecao;
   for (long i = 0; i <= UltimoSlotDosLacos(e); ++i) {
     if (!sel.MusicaCandidata[i]) continue;
     bool repete = false;
-    if (ConferirTag(e, filtro, i))
-      for (int16_t s : recentes)
-        if (MesmoValorTag(e, campo, i, s)) {
-          repete = true;
-          break;
-        }
+    if (ConferirTag(e, filtro, i)) {
+      if (porConjunto) {
+        repete = ouvidos.Compartilha(e, campo, i);
+      } else {
+        for (int16_t s : recentes)
+          if (MesmoValorTag(e, campo, i, s)) {
+            repete = true;
+            break;
+          }
+      }
+    }
     if (repete != repetir) sel.MusicaMantida[i] = false;
   }
 }

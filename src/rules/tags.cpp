@@ -127,4 +127,36 @@ bool MesmoValorTag(Estado& e, int16_t campo, long slotA, long slotB) {
   return CompararArtistasSlots(e, slotA, slotB, campo);
 }
 
+bool ValoresOuvidos::Serve(const Estado& e, int16_t campo) {
+  return e.selecao.ModoComparacaoArtista == 0 && campo != kCampoDesconhecido &&
+         TipoDoCampo(campo) != TipoDivisao::Vibe;
+}
+
+ValoresOuvidos::ValoresOuvidos(size_t musicas) {
+  inteiros_.reserve(musicas);
+  pedacos_.reserve(2 * musicas);
+}
+
+void ValoresOuvidos::Adicionar(Estado& e, int16_t campo, long slot) {
+  if (slot >= kUltimoSlot) return;  // the last slot never shares a value
+  const PedacosTexto& p = e.cacheTags.DoSlot(slot, campo, e.acervo.AcervoTags(slot, campo));
+  if (p.Original().empty()) return;  // two empty values never match, and an empty one has no pieces
+  inteiros_.insert(p.Maiusculo());
+  // Every piece of the heard song counts, "POP" included: the exception is for the candidate's.
+  for (const Pedaco& q : p.Pedacos()) pedacos_.insert(p.Vista(q));
+}
+
+bool ValoresOuvidos::Compartilha(Estado& e, int16_t campo, long slot) const {
+  if (slot >= kUltimoSlot || inteiros_.empty()) return false;
+  const PedacosTexto& p = e.cacheTags.DoSlot(slot, campo, e.acervo.AcervoTags(slot, campo));
+  if (p.Original().empty()) return false;
+  if (inteiros_.contains(p.Maiusculo())) return true;
+  for (const Pedaco& q : p.Pedacos()) {
+    const std::u16string_view pedaco = p.Vista(q);
+    if (!q.final && pedaco == u"POP") continue;
+    if (pedacos_.contains(pedaco)) return true;
+  }
+  return false;
+}
+
 }  // namespace lumavox

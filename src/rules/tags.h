@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <string_view>
+#include <unordered_set>
 
 #include "base/texto.h"
 #include "engine/estado.h"
@@ -48,5 +49,24 @@ bool CompararArtistasSlots(Estado& e, long slotA, long slotB, int16_t campo);
 // Whether two songs share a value of the field: False for slots from 4000 on, for field 99 and
 // for two empty values; otherwise CompararArtistasSlots.
 bool MesmoValorTag(Estado& e, int16_t campo, long slotA, long slotB);
+
+// The values of one field carried by a group of songs, gathered once so that "does this
+// candidate share a value with any of them" costs a few hash look-ups instead of one
+// MesmoValorTag per song of the group. Only comparison mode 0 on a field split into text pieces
+// can be answered this way (mode 1 needs every piece inside one song, Vibe compares numbers);
+// `Serve` says when, and the caller falls back to MesmoValorTag otherwise. The sets hold views
+// into the prepared tags, valid while no tag text of the collection changes.
+class ValoresOuvidos {
+ public:
+  static bool Serve(const Estado& e, int16_t campo);
+  explicit ValoresOuvidos(size_t musicas = 0);
+  void Adicionar(Estado& e, int16_t campo, long slot);
+  // MesmoValorTag(e, campo, slot, s) for some s added.
+  bool Compartilha(Estado& e, int16_t campo, long slot) const;
+
+ private:
+  std::unordered_set<std::u16string_view> inteiros_;
+  std::unordered_set<std::u16string_view> pedacos_;
+};
 
 }  // namespace lumavox

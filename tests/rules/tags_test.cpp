@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <random>
+#include <vector>
 
 #include "base/erro.h"
 
@@ -187,6 +189,48 @@ TEST_F(Tags, CacheAcompanhaTagsReescritas) {
   EXPECT_TRUE(ConferirTag(*e, u"Genero:Rock", 0));
   Tag(0, kGenero, u"Punk");  // same length: only the text itself tells the change
   EXPECT_FALSE(ConferirTag(*e, u"Genero:Rock", 0));
+}
+
+// The gathered values must answer exactly what a MesmoValorTag against every song of the group
+// answers, on texts built to hit the corners: empty pieces, "POP" inside and at the end,
+// one-character tails, case and a letter whose upper case is longer ("ß" → "SS").
+TEST_F(Tags, ValoresOuvidosIgualAMesmoValorTagComCadaUm) {
+  const std::u16string_view pecas[] = {u"Ana", u"ana", u"Pop", u"POP", u"Rock", u"ß", u"SS", u"",
+                                       u"x",   u"Bia", u"Á",   u"á"};
+  const std::u16string_view juntas[] = {u";", u" feat ", u" & ", u", ", u" e "};
+  std::mt19937 gerador(7);
+  auto sorteio = [&](size_t n) { return static_cast<size_t>(gerador() % n); };
+  for (int16_t campo : {kArtista, kGenero}) {
+    for (int rodada = 0; rodada < 40; ++rodada) {
+      for (long i = 0; i < 60; ++i) {
+        Texto t;
+        for (size_t k = 0, n = sorteio(4); k < n; ++k) {
+          if (k) t += juntas[sorteio(std::size(juntas))];
+          t += pecas[sorteio(std::size(pecas))];
+        }
+        Tag(i, campo, t);
+      }
+      Tag(4000, campo, u"Ana");
+      ASSERT_TRUE(ValoresOuvidos::Serve(*e, campo));
+      ValoresOuvidos ouvidos;
+      std::vector<long> grupo;
+      for (long s : {0L, 1L, 2L, 3L, 4L, 5L, 4000L})
+        if (sorteio(2)) {
+          grupo.push_back(s);
+          ouvidos.Adicionar(*e, campo, s);
+        }
+      for (long i : {6L, 10L, 20L, 30L, 40L, 50L, 59L, 0L, 2L, 4000L}) {
+        bool esperado = false;
+        for (long s : grupo) esperado = esperado || MesmoValorTag(*e, campo, i, s);
+        ASSERT_EQ(ouvidos.Compartilha(*e, campo, i), esperado)
+            << "campo " << campo << " rodada " << rodada << " slot " << i << ": \""
+            << ParaUtf8(e->acervo.AcervoTags(i, campo)) << "\"";
+      }
+    }
+  }
+  EXPECT_FALSE(ValoresOuvidos::Serve(*e, kVibe));
+  e->selecao.ModoComparacaoArtista = 1;
+  EXPECT_FALSE(ValoresOuvidos::Serve(*e, kGenero));
 }
 
 }  // namespace
