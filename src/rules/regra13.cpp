@@ -14,7 +14,12 @@ namespace lumavox {
 namespace {
 
 // The calendar date of a moment, through its day/month/year text as the station computed it.
+// A four-digit year reads back as the same day, so only other years take the text round trip
+// (years 0-99 come back as 19xx/20xx, other lengths do not read back and raise).
 DataHora DataDoDia(DataHora d) {
+  static const int64_t kAno1000 = MontarDataHora(1000, 1, 1).segundos;
+  static const int64_t kAno10000 = MontarDataHora(10000, 1, 1).segundos;
+  if (d.segundos >= kAno1000 && d.segundos < kAno10000) return SoData(d);
   const PartesData p = Decompor(d);
   return TextoParaDataHora(DeUtf8(std::to_string(p.dia) + "/" + std::to_string(p.mes) + "/" +
                                   std::to_string(p.ano)));

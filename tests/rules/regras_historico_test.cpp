@@ -187,6 +187,18 @@ TEST(Regra13, ContaDiasPosterioresADataDoComputador) {
   EXPECT_THROW(Aplicar(t, Regra13, "13", {"dois"}), ErroExecucao);
 }
 
+// A play's day is its day/month/year text read back: a two-digit year lands in this century
+// and a three-digit one cannot be read at all.
+TEST(Regra13, DataDaTocadaLidaComoTexto) {
+  EstadoTeste t;
+  t.Musica(5).Musica(6);
+  t.TocadaEm(5, Dia(23, 9)).TocadaEm(5, MontarDataHora(26, 11, 22, 10, 0, 0));
+  // Year 26 reads as today, a second play on the day; 23/11 then counts.
+  EXPECT_EQ(Aplicar(t, Regra13, "13", {"1"}), (Codigos{6}));
+  t.TocadaEm(6, MontarDataHora(500, 1, 1, 0, 0, 0));
+  EXPECT_THROW(Aplicar(t, Regra13, "13", {"1"}), ErroExecucao);
+}
+
 TEST(Regra26, VariacaoMaximaDoValorDeRitmoDaUltima) {
   EstadoTeste t;
   t.Musica(1, {{kRitmo, "Rápida;"}, {kNota, "Normal;"}}).Musica(2, {{kRitmo, "Rápida;Normal;"}})
