@@ -31,8 +31,8 @@ std::unique_ptr<Estado> ColecaoCheia() {
     if (s % 3 != 0)
       artista += Texto(ligacoes[i % ligacoes.size()]) + Texto(nomes[(i * 7 + 3) % nomes.size()]);
     if (s % 5 == 0) artista += u" & " + Texto(nomes[(i / 5) % nomes.size()]);
-    e->acervo.AcervoTags(s, 0) = artista;
-    e->acervo.AcervoTags(s, 5) = Texto(generos[(i * 3) % generos.size()]);
+    e->acervo.AcervoTags.Definir(s, 0, artista);
+    e->acervo.AcervoTags.Definir(s, 5, Texto(generos[(i * 3) % generos.size()]));
   }
   e->acervo.TotalMusicas = static_cast<int16_t>(kMusicas);
   return e;

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "base/numeros.h"
+#include "stores/acervo.h"
 
 namespace lumavox {
 
@@ -122,17 +123,30 @@ CacheTags& CacheTags::operator=(const CacheTags& outro) {
 
 void CacheTags::Limpar() {
   slots_.reset();
+  versoes_.reset();
   for (MapaTextos& m : textos_) m.clear();
   for (FiltroPreparado& f : filtros_) f = FiltroPreparado();
   ultimoFiltro_ = proximoFiltro_ = 0;
 }
 
-const PedacosTexto& CacheTags::DoSlot(long slot, int16_t campo, std::u16string_view texto) {
-  if (!slots_) slots_ = std::make_unique<PedacosTexto[]>(static_cast<size_t>(kSlots * kCampos));
+const PedacosTexto& CacheTags::DoSlot(long slot, int16_t campo, const TagsAcervo& tags) {
+  if (slot < 0 || slot >= kSlots || campo < 0 || campo >= kCampos) {
+    static_cast<void>(tags(slot, campo));  // raises the table's own index error
+  }
+  if (!slots_) {
+    slots_ = std::make_unique<PedacosTexto[]>(static_cast<size_t>(kSlots * kCampos));
+    versoes_ = std::make_unique<uint64_t[]>(static_cast<size_t>(kSlots * kCampos));  // zeroed
+  }
   // Field-major, so a loop over the collection for one field walks neighbouring entries.
-  PedacosTexto& p = slots_[static_cast<size_t>(campo * kSlots + slot)];
-  // An entry never prepared is the form of the empty text, which is right for an empty tag.
-  if (!p.MesmoTexto(texto)) p.Preparar(texto, TipoDoCampo(campo));
+  const size_t i = static_cast<size_t>(campo * kSlots + slot);
+  PedacosTexto& p = slots_[i];
+  // An entry never prepared is the form of the empty text at version 0, which is right: a table
+  // never written holds only empty texts.
+  if (versoes_[i] != tags.Versao()) {
+    const Texto& texto = tags(slot, campo);
+    if (!p.MesmoTexto(texto)) p.Preparar(texto, TipoDoCampo(campo));
+    versoes_[i] = tags.Versao();
+  }
   return p;
 }
 

@@ -15,6 +15,8 @@
 
 namespace lumavox {
 
+class TagsAcervo;
+
 // How a field's values are split: the artist separators for "Artista" (field 0), ";" for every
 // other field, and ";" with pieces compared as numbers for "Vibe" (field 32).
 enum class TipoDivisao : uint8_t { Artista = 0, PontoEVirgula = 1, Vibe = 2 };
@@ -73,8 +75,9 @@ struct FiltroPreparado {
   PedacosTexto valor;
 };
 
-// Memo of prepared forms, kept inside Estado. Entries are always checked against the current
-// text, so a tag written straight into AcervoTags is never answered from a stale form.
+// Memo of prepared forms, kept inside Estado. A slot's entry remembers the version of the tag
+// table it was checked against and reads the text again only when the table was written since,
+// so a rewritten tag is never answered from a stale form.
 class CacheTags {
  public:
   static constexpr long kSlots = 4001;
@@ -89,9 +92,9 @@ class CacheTags {
   CacheTags(CacheTags&&) noexcept = default;
   CacheTags& operator=(CacheTags&&) noexcept = default;
 
-  // The tag text of (slot, campo), prepared for that field. Slot and field must already be in
-  // range (the caller has read AcervoTags(slot, campo), which checks them).
-  const PedacosTexto& DoSlot(long slot, int16_t campo, std::u16string_view texto);
+  // The tag text of (slot, campo), prepared for that field; a slot or field out of range raises
+  // as reading the table would.
+  const PedacosTexto& DoSlot(long slot, int16_t campo, const TagsAcervo& tags);
 
   // Two arbitrary texts prepared for one split kind; both stay valid until the next call.
   std::pair<const PedacosTexto*, const PedacosTexto*> DoisTextos(std::u16string_view a,
@@ -115,6 +118,7 @@ class CacheTags {
   const PedacosTexto& DoTexto(std::u16string_view texto, TipoDivisao tipo);
 
   std::unique_ptr<PedacosTexto[]> slots_;  // kSlots * kCampos, allocated on first use
+  std::unique_ptr<uint64_t[]> versoes_;    // the table's version each entry was checked at
   std::array<MapaTextos, kTiposDivisao> textos_;
   std::array<FiltroPreparado, kFiltros> filtros_;
   size_t ultimoFiltro_ = 0;

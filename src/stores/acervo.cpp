@@ -34,12 +34,12 @@ void CarregarColecao(Acervo& acervo, const fs::path& pasta,
       int32_t codigo = TextoParaInteiro32(texto);
       acervo.AcervoCodigos[s] = codigo;
     } else {
-      acervo.AcervoTags(s, k - 1) = std::move(texto);
+      acervo.AcervoTags.Definir(s, k - 1, std::move(texto));
     }
     if (++k > 32) {
       double vibe = CalcularVibe(acervo, s);
       acervo.AcervoVibe[s] = vibe;
-      acervo.AcervoTags(s, kCampoVibe) = FormatarNumero(vibe);
+      acervo.AcervoTags.Definir(s, kCampoVibe, FormatarNumero(vibe));
       k = 0;
       const std::string nome = NomeArquivoMusica(acervo.AcervoCodigos[s]);
       acervo.AcervoArquivos[s] = pastaMre / nome;

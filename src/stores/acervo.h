@@ -4,11 +4,13 @@
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 
 #include "base/texto.h"
 #include "base/vetor.h"
@@ -34,6 +36,26 @@ struct IndiceCodigos {
   std::unordered_map<int32_t, int16_t> primeiroSlot;
 };
 
+// The tag texts of the collection, slot by field. Reading is open to all; every write goes
+// through Definir, which gives the table a version never used before in the process, so a
+// prepared form of a tag that saw this version knows the text is still the same without
+// reading it. Equal versions mean the same writes, copies included.
+class TagsAcervo {
+ public:
+  const Texto& operator()(long slot, long campo) const { return tags_(slot, campo); }
+  void Definir(long slot, long campo, Texto texto) {
+    tags_(slot, campo) = std::move(texto);
+    versao_ = ++proximaVersao_;
+  }
+  // 0 until the first write: every text is then empty.
+  uint64_t Versao() const { return versao_; }
+
+ private:
+  inline static std::atomic<uint64_t> proximaVersao_{0};
+  Matriz<Texto, kTotalSlots, kCampos> tags_;
+  uint64_t versao_ = 0;
+};
+
 struct Acervo {
   Vetor<int32_t, 0, kUltimoSlot> AcervoCodigos;
   // Moves on whenever AcervoCodigos is written (the load does it; code that writes codes by hand
@@ -42,7 +64,7 @@ struct Acervo {
   void CodigosAlterados() { ++VersaoCodigos; }
   IndiceCodigos indiceCodigos;
   // Fields 0..31 as read; field 32 holds the vibe as text ("5,5"), its number in AcervoVibe.
-  Matriz<Texto, kTotalSlots, kCampos> AcervoTags;
+  TagsAcervo AcervoTags;
   Vetor<double, 0, kUltimoSlot> AcervoVibe;
   Vetor<fs::path, 0, kUltimoSlot> AcervoArquivos;
   int16_t TotalMusicas = 0;

@@ -16,10 +16,10 @@ EstadoTeste& EstadoTeste::Musica(int32_t codigo, std::initializer_list<std::pair
   const long s = a.TotalMusicas;
   a.AcervoCodigos[s] = codigo;
   a.CodigosAlterados();
-  for (long c = 0; c < kCampoVibe; ++c) a.AcervoTags(s, c).clear();
-  for (const auto& [campo, valor] : tags) a.AcervoTags(s, campo) = DeUtf8(valor);
+  for (long c = 0; c < kCampoVibe; ++c) a.AcervoTags.Definir(s, c, Texto());
+  for (const auto& [campo, valor] : tags) a.AcervoTags.Definir(s, campo, DeUtf8(valor));
   a.AcervoVibe[s] = CalcularVibe(a, s);
-  a.AcervoTags(s, kCampoVibe) = FormatarNumero(a.AcervoVibe[s]);
+  a.AcervoTags.Definir(s, kCampoVibe, FormatarNumero(a.AcervoVibe[s]));
   ++a.TotalMusicas;
   return *this;
 }

@@ -19,7 +19,7 @@ class Tags : public ::testing::Test {
   std::unique_ptr<Estado> e = std::make_unique<Estado>();
 
   void Tag(long slot, int16_t campo, std::u16string_view valor) {
-    e->acervo.AcervoTags(slot, campo) = Texto(valor);
+    e->acervo.AcervoTags.Definir(slot, campo, Texto(valor));
     if (slot >= e->acervo.TotalMusicas) e->acervo.TotalMusicas = static_cast<int16_t>(slot + 1);
   }
   bool Confere(std::u16string_view filtro, int16_t campo, std::u16string_view tag) {
@@ -174,7 +174,7 @@ TEST_F(Tags, CacheAcompanhaTagsReescritas) {
     auto novo = std::make_unique<Estado>();
     for (long i = 0; i < 8; ++i) {
       Tag(i, campo, textos[(i + 3) % 8]);
-      novo->acervo.AcervoTags(i, campo) = Texto(textos[(i + 3) % 8]);
+      novo->acervo.AcervoTags.Definir(i, campo, Texto(textos[(i + 3) % 8]));
     }
     for (long a = 0; a < 8; ++a) {
       EXPECT_EQ(ConferirTag(*e, filtro, a), ConferirTag(*novo, filtro, a)) << a;
@@ -187,8 +187,18 @@ TEST_F(Tags, CacheAcompanhaTagsReescritas) {
   }
   Tag(0, kGenero, u"Rock");
   EXPECT_TRUE(ConferirTag(*e, u"Genero:Rock", 0));
-  Tag(0, kGenero, u"Punk");  // same length: only the text itself tells the change
+  Tag(0, kGenero, u"Punk");  // same length, same place
   EXPECT_FALSE(ConferirTag(*e, u"Genero:Rock", 0));
+
+  // A whole tag table put in place of another, written or not since they parted, is read anew.
+  const TagsAcervo antes = e->acervo.AcervoTags;
+  Tag(0, kGenero, u"Rock");
+  EXPECT_TRUE(ConferirTag(*e, u"Genero:Rock", 0));
+  e->acervo.AcervoTags = antes;
+  EXPECT_FALSE(ConferirTag(*e, u"Genero:Rock", 0));
+  e->acervo.AcervoTags = TagsAcervo();
+  EXPECT_FALSE(ConferirTag(*e, u"Genero:Punk", 0));
+  EXPECT_THROW(ConferirTag(*e, u"Genero:Punk", 4001), ErroExecucao);
 }
 
 // The gathered values must answer exactly what a MesmoValorTag against every song of the group
