@@ -1,7 +1,8 @@
 // Tag filters and artist comparison on arbitrary texts. The input is cut at 0x1F bytes into a
 // filter and three tag texts; the first byte picks the field and the comparison mode. Checked:
 // the documented fixed points (equal values match, "Geral*" accepts all, modes outside 0 and 1
-// decide alone), and that the prepared-text cache never answers differently from a fresh one.
+// decide alone), that the prepared-text cache never answers differently from a fresh one, and
+// that gathered values (ValoresOuvidos) answer as the comparison with each song.
 #include <functional>
 #include <memory>
 #include <vector>
@@ -76,6 +77,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* dados, size_t tamanho) {
   if (std::hash<std::string_view>{}(std::string_view(reinterpret_cast<const char*>(dados), tamanho)) % 64 == 0) {
     e.cacheTags.Limpar();
     if (Perguntar(e, filtro, campo, tags) != quente) fuzz::Falha("cache de tags deu outra resposta");
+  }
+
+  // The gathered values of songs 1 and 2 answer as MesmoValorTag with each of them.
+  if (ValoresOuvidos::Serve(e, campo)) {
+    ValoresOuvidos ouvidos;
+    ouvidos.Adicionar(e, campo, 1);
+    ouvidos.Adicionar(e, campo, 2);
+    for (long s = 0; s < 3; ++s)
+      if (ouvidos.Compartilha(e, campo, s) != (MesmoValorTag(e, campo, s, 1) || MesmoValorTag(e, campo, s, 2)))
+        fuzz::Falha("valores ouvidos diferem de MesmoValorTag");
   }
 
   for (const Texto& t : tags) {
