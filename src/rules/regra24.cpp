@@ -8,23 +8,23 @@
 
 namespace lumavox {
 
-void Regra24(Estado& e) {
+void RegraGeneroInfluente(Estado& e, long campoUltima, long campoCandidata) {
   const RegrasCatalogo& r = e.catalogo.RegraAtual;
   if (!VerificarVigencia(e, r.Valor(2), r.Valor(3), r.Valor(4))) return;
   const Historico& h = e.historico;
   if (h.TotalTocadas < 1) return;
   if (SortearPercentual(e) > ArredondarPar(ValorNumerico(r.Valor(1)))) return;
 
-  constexpr long kCampoUltima = 27;    // GeneroSub
-  constexpr long kCampoCandidata = 5;  // Genero
   const int16_t ultima = LocalizarMusica(e, h.HistoricoCodigos[h.TotalTocadas - 1]);
-  const Texto& referencia = e.acervo.AcervoTags(ultima, kCampoUltima);
+  const Texto& referencia = e.acervo.AcervoTags(ultima, campoUltima);
   Selecao& s = e.selecao;
   for (long i = 0; i <= UltimoSlotDosLacos(e); ++i)
     if (s.MusicaCandidata[i] &&
-        !CompararArtistas(e, referencia, e.acervo.AcervoTags(i, kCampoCandidata),
+        !CompararArtistas(e, referencia, e.acervo.AcervoTags(i, campoCandidata),
                           kCampoDesconhecido))
       s.MusicaMantida[i] = false;
 }
+
+void Regra24(Estado& e) { RegraGeneroInfluente(e, kCampoGeneroSub, kCampoGenero); }
 
 }  // namespace lumavox

@@ -23,8 +23,10 @@ constexpr long kUltimoSlot = 4000;
 constexpr long kTotalSlots = 4001;
 constexpr long kCampos = 33;       // fields 0..31 from the file, 32 computed ("Vibe")
 constexpr long kCampoVibe = 32;
+constexpr long kCampoGenero = 5;
 constexpr long kCampoVelocidade = 18;
 constexpr long kCampoRitmo = 24;
+constexpr long kCampoGeneroSub = 27;
 
 // Field names in file order; field 3 has none (no filter can name it).
 extern const std::array<std::u16string_view, kCampos> kNomesCampos;
