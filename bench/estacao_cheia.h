@@ -2,10 +2,19 @@
 // rules files of 256 rules, written once per process into a temporary folder.
 #pragma once
 
-#include <filesystem>
+#include <benchmark/benchmark.h>
 
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "base/ambiente.h"
+#include "base/texto.h"
 #include "cli/demo.h"
+#include "engine/despacho.h"
 #include "engine/estado.h"
+#include "engine/motor.h"
 
 namespace lumavox::bench {
 
@@ -33,6 +42,44 @@ inline void PreencherHistorico(Estado& e, DataHora agora, long ultima) {
   }
   h.TotalTocadas = static_cast<int16_t>(ultima);
   h.Alterado();
+}
+
+// The full station loaded into an engine on a clock fixed at 22/11/2026 10:00, its history full
+// (plays at -500..3999) and the rules' reference moment set to now. `semente` seeds the draws.
+struct MotorCheio {
+  AmbienteFixo ambiente;
+  std::unique_ptr<Motor> motor;
+
+  explicit MotorCheio(uint32_t semente) : ambiente(MontarDataHora(2026, 11, 22, 10, 0, 0), semente) {
+    motor = std::make_unique<Motor>(EstacaoCheia(), ambiente);
+    motor->AbrirPlaylists();
+    motor->E().playlists.PlaylistAtual = 0;
+    motor->DefinirAcervo(0, -1);
+    PreencherHistorico(motor->E(), ambiente.Agora(), 4000);
+    motor->E().selecao.DataHoraReferencia = ambiente.Agora();
+  }
+  MotorCheio(const MotorCheio&) = delete;  // the engine holds a reference to `ambiente`
+  Estado& E() { return motor->E(); }
+};
+
+// Times one AplicarRegra of rule `id` (Var1.. from `vars`) per iteration, as the first rule of
+// set 0 at level 50. Before each one, untimed, every song is a candidate again, the log is emptied and
+// `antes` runs.
+inline void AplicarUmaRegra(benchmark::State& state, Estado& e, const char* id,
+                            const std::vector<Texto>& vars,
+                            const std::function<void()>& antes = {}) {
+  RegrasCatalogo& r = e.catalogo.CatalogoRegras(0, 0);
+  r = RegrasCatalogo{};
+  r.ID = DeUtf8(id);
+  for (size_t k = 0; k < vars.size(); ++k) r.Var(static_cast<int>(k) + 1).Valor = vars[k];
+  for (auto _ : state) {
+    state.PauseTiming();
+    for (long i = 0; i < e.acervo.TotalMusicas; ++i) e.selecao.MusicaCandidata[i] = true;
+    e.log.Limpar();
+    if (antes) antes();
+    state.ResumeTiming();
+    benchmark::DoNotOptimize(AplicarRegra(e, true, 0, 50));
+  }
 }
 
 }  // namespace lumavox::bench

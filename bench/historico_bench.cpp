@@ -16,23 +16,8 @@ namespace {
 
 using namespace lumavox;
 
-struct Cheia {
-  AmbienteFixo ambiente{MontarDataHora(2026, 11, 22, 10, 0, 0), 7};
-  std::unique_ptr<Motor> motor;
-
-  Cheia() {
-    motor = std::make_unique<Motor>(bench::EstacaoCheia(), ambiente);
-    motor->AbrirPlaylists();
-    motor->E().playlists.PlaylistAtual = 0;
-    motor->DefinirAcervo(0, -1);
-    Estado& e = motor->E();
-    Historico& h = e.historico;
-    const DataHora agora = ambiente.Agora();
-    bench::PreencherHistorico(e, agora, 4000);
-    h.Alterado();
-    e.selecao.DataHoraReferencia = agora;
-    e.selecao.CliqueAtual = 1;
-  }
+struct Cheia : bench::MotorCheio {
+  Cheia() : MotorCheio(7) { E().selecao.CliqueAtual = 1; }
 };
 
 Cheia& Estacao() {
@@ -42,21 +27,12 @@ Cheia& Estacao() {
 
 // `novaTocada` marks the history changed before each application, as a new selection would, so
 // the index over the plays is rebuilt inside the timed part.
-void AplicarUma(benchmark::State& state, const char* id, std::vector<const char16_t*> vars,
+void AplicarUma(benchmark::State& state, const char* id, std::vector<Texto> vars,
                 bool novaTocada = false) {
-  Estado& e = Estacao().motor->E();
-  RegrasCatalogo& r = e.catalogo.CatalogoRegras(0, 0);
-  r = RegrasCatalogo{};
-  r.ID = DeUtf8(id);
-  for (size_t k = 0; k < vars.size(); ++k) r.Var(static_cast<int>(k) + 1).Valor = vars[k];
-  for (auto _ : state) {
-    state.PauseTiming();
-    for (long i = 0; i < e.acervo.TotalMusicas; ++i) e.selecao.MusicaCandidata[i] = true;
-    e.log.Limpar();
+  Estado& e = Estacao().E();
+  bench::AplicarUmaRegra(state, e, id, vars, [&] {
     if (novaTocada) e.historico.Alterado();
-    state.ResumeTiming();
-    benchmark::DoNotOptimize(AplicarRegra(e, true, 0, 50));
-  }
+  });
 }
 
 void BM_Regra02(benchmark::State& s) { AplicarUma(s, "02", {u"Não", u"Artista:Geral*", u"10"}); }

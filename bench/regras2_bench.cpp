@@ -16,20 +16,13 @@ namespace {
 
 using namespace lumavox;
 
-struct Cheia {
-  AmbienteFixo ambiente{MontarDataHora(2026, 11, 22, 10, 0, 0), 5};
-  std::unique_ptr<Motor> motor;
+struct Cheia : bench::MotorCheio {
   Texto generoDaUltima;  // a filter the last played song matches
 
-  Cheia() {
-    motor = std::make_unique<Motor>(bench::EstacaoCheia(), ambiente);
-    motor->AbrirPlaylists();
-    motor->E().playlists.PlaylistAtual = 0;
-    motor->DefinirAcervo(0, -1);
-    Estado& e = motor->E();
+  Cheia() : MotorCheio(5) {
+    Estado& e = E();
     Historico& h = e.historico;
     const DataHora agora = ambiente.Agora();
-    bench::PreencherHistorico(e, agora, 4000);
     for (long s = 0; s < kTotalSlots; s += 3) {
       h.HistoricoTipo4[s] = true;
       for (long k = 0; k < kDatasTipo5; ++k) {
@@ -52,7 +45,6 @@ struct Cheia {
     }
     const int16_t ultima = static_cast<int16_t>((3999 + 500) * 7 % 4001);
     generoDaUltima = u"Genero:" + e.acervo.AcervoTags(ultima, 5);
-    e.selecao.DataHoraReferencia = agora;
   }
 };
 
@@ -61,20 +53,8 @@ Cheia& Estacao() {
   return cheia;
 }
 
-void AplicarUma(benchmark::State& state, const char* id, std::vector<Texto> vars,
-                int16_t nivel = 50) {
-  Estado& e = Estacao().motor->E();
-  RegrasCatalogo& r = e.catalogo.CatalogoRegras(0, 0);
-  r = RegrasCatalogo{};
-  r.ID = DeUtf8(id);
-  for (size_t k = 0; k < vars.size(); ++k) r.Var(static_cast<int>(k) + 1).Valor = vars[k];
-  for (auto _ : state) {
-    state.PauseTiming();
-    for (long i = 0; i < e.acervo.TotalMusicas; ++i) e.selecao.MusicaCandidata[i] = true;
-    e.log.Limpar();
-    state.ResumeTiming();
-    benchmark::DoNotOptimize(AplicarRegra(e, true, 0, nivel));
-  }
+void AplicarUma(benchmark::State& state, const char* id, std::vector<Texto> vars) {
+  bench::AplicarUmaRegra(state, Estacao().E(), id, vars);
 }
 
 const Texto& Ultima() { return Estacao().generoDaUltima; }

@@ -15,43 +15,17 @@ namespace {
 
 using namespace lumavox;
 
-struct Cheia {
-  AmbienteFixo ambiente{MontarDataHora(2026, 11, 22, 10, 0, 0), 3};
-  std::unique_ptr<Motor> motor;
-
-  Cheia() {
-    motor = std::make_unique<Motor>(bench::EstacaoCheia(), ambiente);
-    motor->AbrirPlaylists();
-    motor->E().playlists.PlaylistAtual = 0;
-    motor->DefinirAcervo(0, -1);
-    Estado& e = motor->E();
-    const DataHora agora = ambiente.Agora();
-    bench::PreencherHistorico(e, agora, 4000);
-    e.selecao.DataHoraReferencia = agora;
-  }
-};
-
-Cheia& Estacao() {
-  static Cheia cheia;
+bench::MotorCheio& Estacao() {
+  static bench::MotorCheio cheia(3);
   return cheia;
 }
 
-void AplicarUma(benchmark::State& state, const char* id, std::vector<const char16_t*> vars,
+void AplicarUma(benchmark::State& state, const char* id, std::vector<Texto> vars,
                 bool historicoVazio = false) {
-  Estado& e = Estacao().motor->E();
+  Estado& e = Estacao().E();
   const int16_t tocadas = e.historico.TotalTocadas;
   if (historicoVazio) e.historico.TotalTocadas = 0;
-  RegrasCatalogo& r = e.catalogo.CatalogoRegras(0, 0);
-  r = RegrasCatalogo{};
-  r.ID = DeUtf8(id);
-  for (size_t k = 0; k < vars.size(); ++k) r.Var(static_cast<int>(k) + 1).Valor = vars[k];
-  for (auto _ : state) {
-    state.PauseTiming();
-    for (long i = 0; i < e.acervo.TotalMusicas; ++i) e.selecao.MusicaCandidata[i] = true;
-    e.log.Limpar();
-    state.ResumeTiming();
-    benchmark::DoNotOptimize(AplicarRegra(e, true, 0, 50));
-  }
+  bench::AplicarUmaRegra(state, e, id, vars);
   e.historico.TotalTocadas = tocadas;
 }
 
