@@ -5,12 +5,9 @@
 #include "rules/candidatos.h"
 #include "rules/regras.h"
 #include "rules/sorteio.h"
+#include "stores/acervo.h"
 
 namespace lumavox {
-
-namespace {
-constexpr long kCampoNota = 8;
-}  // namespace
 
 void Regra04(Estado& e) {
   const RegrasCatalogo& r = e.catalogo.RegraAtual;

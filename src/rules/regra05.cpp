@@ -5,12 +5,9 @@
 #include "rules/indice_historico.h"
 #include "rules/regras.h"
 #include "rules/sorteio.h"
+#include "stores/acervo.h"
 
 namespace lumavox {
-
-namespace {
-constexpr long kCampoNota = 8;
-}  // namespace
 
 void Regra05(Estado& e) {
   const RegrasCatalogo& r = e.catalogo.RegraAtual;

@@ -4,6 +4,7 @@
 #include "rules/candidatos.h"
 #include "rules/regras.h"
 #include "rules/tags.h"
+#include "stores/acervo.h"
 
 namespace lumavox {
 
@@ -23,7 +24,6 @@ void Regra08(Estado& e) {
   // The band is given high first; with X1 below X2 no song passes.
   const double maior = ValorNumerico(r.Valor(1));
   const double menor = ValorNumerico(r.Valor(2));
-  constexpr long kCampoNota = 8;
   Selecao& s = e.selecao;
   for (long i = 0; i <= UltimoSlotDosLacos(e); ++i) {
     if (!s.MusicaCandidata[i]) continue;

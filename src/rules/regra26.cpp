@@ -6,12 +6,9 @@
 #include "rules/candidatos.h"
 #include "rules/regras.h"
 #include "rules/ritmo.h"
+#include "stores/acervo.h"
 
 namespace lumavox {
-
-namespace {
-constexpr long kCampoNota = 8, kCampoBpm = 7;
-}  // namespace
 
 void Regra26(Estado& e) {
   const RegrasCatalogo& r = e.catalogo.RegraAtual;
