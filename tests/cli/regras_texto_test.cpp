@@ -4,7 +4,6 @@
 
 #include "apoio/estacao.h"
 #include "apoio/linha_comando.h"
-#include "engine/catalogo.h"
 
 namespace lumavox::cli {
 namespace {
@@ -31,6 +30,12 @@ std::string ArquivoEstranho() {
   return bytes + Linha("01") + "\n" + Linha("sobra");
 }
 
+// Writes `toml` into the station's regras.toml and imports it there.
+teste::ResultadoCli ImportarTexto(EstacaoTeste& estacao, const std::string& toml) {
+  estacao.GravarTexto("regras.toml", toml);
+  return RodarCli({"regras", "importar", estacao.Caminho("regras.toml").string(), "--dir", estacao.Pasta().string()});
+}
+
 TEST(RegrasTexto, ExportarEImportarDevolvemOsMesmosBytes) {
   EstacaoTeste origem, destino;
   const std::string dir = origem.Pasta().string();
@@ -41,19 +46,10 @@ TEST(RegrasTexto, ExportarEImportarDevolvemOsMesmosBytes) {
   const teste::ResultadoCli exportado = RodarCli({"regras", "exportar", "--dir", dir});
   ASSERT_EQ(exportado.codigo, 0) << exportado.erros;
   EXPECT_EQ(exportado.erros, "");  // no "does not come back identical" notice
-  destino.GravarTexto("regras.toml", exportado.saida);
-  const teste::ResultadoCli importado =
-      RodarCli({"regras", "importar", destino.Caminho("regras.toml").string(), "--dir", destino.Pasta().string()});
+  const teste::ResultadoCli importado = ImportarTexto(destino, exportado.saida);
   ASSERT_EQ(importado.codigo, 0) << importado.erros;
   for (const char* arquivo : {"lxie0.rdb", "lxie1.rdb", "lxie2.rdb"})
     EXPECT_EQ(destino.Ler(arquivo), origem.Ler(arquivo)) << arquivo;
-
-  // The odd file still loads the same rule after the trip.
-  Catalogo catalogo;
-  CarregarArquivoRegras(catalogo, 1, destino.Caminho("lxie1.rdb"));
-  ASSERT_EQ(catalogo.QuantidadeRegras[1], 1);
-  EXPECT_TRUE(catalogo.CatalogoRegras(1, 0).Ativo);
-  EXPECT_EQ(catalogo.CatalogoRegras(1, 0).Valor(2), u"AB");
 }
 
 TEST(RegrasTexto, TextoEditadoGravaOValorNovoESoEleMuda) {
@@ -65,8 +61,7 @@ TEST(RegrasTexto, TextoEditadoGravaOValorNovoESoEleMuda) {
   ASSERT_NE(toml.find(antes), std::string::npos) << toml;
   toml.replace(toml.find(antes), antes.size(), "var3 = \"Ritmo:Animado\"");
   toml.replace(toml.find("ativo = true"), 12, "ativo = false");
-  estacao.GravarTexto("editado.toml", toml);
-  ASSERT_EQ(RodarCli({"regras", "importar", estacao.Caminho("editado.toml").string(), "--dir", dir}).codigo, 0);
+  ASSERT_EQ(ImportarTexto(estacao, toml).codigo, 0);
 
   const std::string depois = estacao.Ler("lxie1.rdb");
   const std::string original = ArquivoEstranho();
@@ -81,7 +76,6 @@ TEST(RegrasTexto, TextoEditadoGravaOValorNovoESoEleMuda) {
 TEST(RegrasTexto, TextoRuimNaoMudaNadaEApontaALinha) {
   EstacaoTeste estacao;
   estacao.GravarTexto("lxie0.rdb", "intacto");
-  const std::string dir = estacao.Pasta().string();
   const std::pair<const char*, const char*> casos[] = {
       {"[conjunto0]\n[[conjunto0.regra]]\nativo = true\nid = \"01\"\nvar11 = \"x\"\n", "var11"},
       {"[conjunto0]\n[[conjunto0.regra]]\nativo = \"sim\"\nid = \"01\"\n", "ativo"},
@@ -90,8 +84,7 @@ TEST(RegrasTexto, TextoRuimNaoMudaNadaEApontaALinha) {
       {"[conjunto0\n", "regras.toml:1"},
   };
   for (const auto& [texto, esperado] : casos) {
-    estacao.GravarTexto("regras.toml", texto);
-    const teste::ResultadoCli r = RodarCli({"regras", "importar", estacao.Caminho("regras.toml").string(), "--dir", dir});
+    const teste::ResultadoCli r = ImportarTexto(estacao, texto);
     EXPECT_EQ(r.codigo, 1) << texto;
     EXPECT_NE(r.erros.find(esperado), std::string::npos) << r.erros;
     EXPECT_EQ(std::count(r.erros.begin(), r.erros.end(), '\n'), 1) << r.erros;

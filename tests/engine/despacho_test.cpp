@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "apoio/estado_teste.h"
 #include "base/erro.h"
 #include "engine/despacho.h"
@@ -17,33 +19,23 @@ std::string Ajustar(EstadoTeste& t, int nivel, const std::string& valor) {
 
 TEST(AjustarValorVariavel, DeslizaComONivelNasDuasPontas) {
   EstadoTeste t;
-  for (int nivel : {0, 17, 50, 83, 100}) EXPECT_EQ(Ajustar(t, nivel, "*10"), "10");
-  EXPECT_EQ(Ajustar(t, 50, "*0-35"), "0");
-  EXPECT_EQ(Ajustar(t, 0, "*0-35"), "35");
-  EXPECT_EQ(Ajustar(t, 34, "*0-35"), "1");
-  EXPECT_EQ(Ajustar(t, 100, "*0-35"), "35");
-  EXPECT_EQ(Ajustar(t, 17, "*2-8"), "5");
-  EXPECT_EQ(Ajustar(t, 83, "*2-8"), "5");
-  EXPECT_EQ(Ajustar(t, 36, "*2-8"), "2");
-  EXPECT_EQ(Ajustar(t, 64, "*2-8"), "2");
-  // Truncation toward zero on a falling slope: 8 + (-6*18)/35 = 8 - 3.
-  EXPECT_EQ(Ajustar(t, 17, "*8-2"), "5");
-  EXPECT_EQ(Ajustar(t, 0, "*8-2"), "2");
-  EXPECT_EQ(Ajustar(t, 0, "*-5"), "5");       // empty left part is 0
-  EXPECT_EQ(Ajustar(t, 0, "*3-5-7"), "7");    // the last "-" wins; "3-5" is not a number
-  EXPECT_EQ(Ajustar(t, 0, "*2,5-8"), "8");    // halves to even: 2
-  EXPECT_EQ(Ajustar(t, 50, "*2,5-8"), "2");
-  EXPECT_EQ(Ajustar(t, 0, "Genero:Rock"), "Genero:Rock");
-  EXPECT_EQ(Ajustar(t, 0, ""), "");
-  t->selecao.NivelRitmo = 0;
-  EXPECT_THROW(AjustarValorVariavel(t.E(), u"*-30000-30000"), ErroExecucao);
+  const std::tuple<int, const char*, const char*> casos[] = {
+      {0, "*10", "10"}, {83, "*10", "10"}, {50, "*0-35", "0"}, {0, "*0-35", "35"}, {34, "*0-35", "1"},
+      {100, "*0-35", "35"}, {17, "*2-8", "5"}, {83, "*2-8", "5"}, {36, "*2-8", "2"}, {64, "*2-8", "2"},
+      // Truncation toward zero on a falling slope: 8 + (-6*18)/35 = 8 - 3.
+      {17, "*8-2", "5"}, {0, "*8-2", "2"},
+      {0, "*-5", "5"},                          // an empty left part is 0
+      {0, "*3-5-7", "7"},                       // the last "-" wins; "3-5" is not a number
+      {0, "*2,5-8", "8"}, {50, "*2,5-8", "2"},  // 2,5 halves to even: 2
+      {0, "Genero:Rock", "Genero:Rock"}, {0, "", ""}};
+  for (const auto& [nivel, valor, esperado] : casos)
+    EXPECT_EQ(Ajustar(t, nivel, valor), esperado) << nivel << " " << valor;
+  EXPECT_THROW(Ajustar(t, 0, "*-30000-30000"), ErroExecucao);
 }
 
 TEST(ConjuntoDoNivel, BordasDasFaixas) {
-  EXPECT_EQ(ConjuntoDoNivel(35), 1);
-  EXPECT_EQ(ConjuntoDoNivel(36), 0);
-  EXPECT_EQ(ConjuntoDoNivel(64), 0);
-  EXPECT_EQ(ConjuntoDoNivel(65), 2);
+  for (auto [nivel, conjunto] : {std::pair{35, 1}, {36, 0}, {64, 0}, {65, 2}})
+    EXPECT_EQ(ConjuntoDoNivel(nivel), conjunto) << nivel;
 }
 
 class AplicarRegraTeste : public ::testing::Test {
@@ -82,14 +74,6 @@ TEST_F(AplicarRegraTeste, AceitaRemoveELogaAntesDeRemover) {
   EXPECT_EQ(t->selecao.MusicasExcluidas, 2);
 }
 
-TEST_F(AplicarRegraTeste, NegaQuandoNaoSobraNenhuma) {
-  t.Regra(1, 0, "01", {"Cor:Azul"});
-  EXPECT_FALSE(AplicarRegra(t.E(), true, 0, 35));  // level 35 reads set 1
-  EXPECT_EQ(t.Candidatas().size(), 3u);
-  EXPECT_EQ(UltimaEntrada().tipo, TipoLog::Negada);
-  EXPECT_NE(UltimaEntrada().texto.find(u"REGRA NEGADA: 01"), Texto::npos);
-}
-
 TEST_F(AplicarRegraTeste, NumerosSemProcedimentoESemCandidatas) {
   t.Regra(2, 0, "15", {});
   EXPECT_TRUE(AplicarRegra(t.E(), true, 0, 65));
@@ -107,7 +91,14 @@ TEST_F(AplicarRegraTeste, NumerosSemProcedimentoESemCandidatas) {
   EXPECT_TRUE(t->catalogo.RegraAtual.ID.empty());
 }
 
-TEST_F(AplicarRegraTeste, ErroNaRegraTerminaSoElaSemRemover) {
+// A rule that would leave no song is refused, and one that raises ends alone: neither removes.
+TEST_F(AplicarRegraTeste, NegadaOuComErroNaoRemoveNada) {
+  t.Regra(1, 0, "01", {"Cor:Azul"});
+  EXPECT_FALSE(AplicarRegra(t.E(), true, 0, 35));  // level 35 reads set 1
+  EXPECT_EQ(t.Candidatas().size(), 3u);
+  EXPECT_EQ(UltimaEntrada().tipo, TipoLog::Negada);
+  EXPECT_NE(UltimaEntrada().texto.find(u"REGRA NEGADA: 01"), Texto::npos);
+
   t.Regra(0, 0, "01", {"Genero:Rock", "não é data"});
   EXPECT_FALSE(AplicarRegra(t.E(), true, 0, 50));
   EXPECT_EQ(t.Candidatas().size(), 3u);

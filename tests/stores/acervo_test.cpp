@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
-
 #include "apoio/estacao.h"
 
 namespace lumavox {
@@ -21,19 +19,28 @@ class CarregarAcervo : public ::testing::Test {
   Acervo acervo;
 };
 
-TEST_F(CarregarAcervo, CodigosTagsEArquivos) {
+TEST_F(CarregarAcervo, CodigosTagsEArquivosComFinsDeLinhaLfOuCrlf) {
   estacao.Musica(123, {{"Artista", "Ana"}, {3, "oculto"}, {"Publico", "Jovem"}})
       .Musica(12345678, {{"Title", "Título"}})
       .GravarAcervo();
+  std::string crlf;  // and no line end after the last line
+  for (char c : estacao.Ler("lxdb.rdb")) crlf += c == '\n' ? std::string("\r\n") : std::string(1, c);
+  crlf.resize(crlf.size() - 2);
+  for (const std::string& conteudo : {crlf, estacao.Ler("lxdb.rdb")}) {
+    estacao.GravarTexto("lxdb.rdb", conteudo);
+    Carregar();
+    ASSERT_EQ(acervo.TotalMusicas, 2);
+    EXPECT_EQ(acervo.AcervoCodigos[0], 123);
+    EXPECT_EQ(acervo.AcervoTags(0, 0), u"Ana");
+    EXPECT_EQ(acervo.AcervoTags(0, 3), u"oculto");
+    EXPECT_EQ(acervo.AcervoTags(0, 31), u"Jovem");
+    EXPECT_EQ(acervo.AcervoTags(1, 2), u"Título");
+    EXPECT_EQ(acervo.AcervoArquivos[0], estacao.Pasta() / "mre" / "0000123.mre");
+    EXPECT_EQ(acervo.AcervoArquivos[1], estacao.Pasta() / "mre" / "12345678.mre");
+  }
+  estacao.GravarTexto("lxdb.rdb", "");
   Carregar();
-  ASSERT_EQ(acervo.TotalMusicas, 2);
-  EXPECT_EQ(acervo.AcervoCodigos[0], 123);
-  EXPECT_EQ(acervo.AcervoTags(0, 0), u"Ana");
-  EXPECT_EQ(acervo.AcervoTags(0, 3), u"oculto");
-  EXPECT_EQ(acervo.AcervoTags(0, 31), u"Jovem");
-  EXPECT_EQ(acervo.AcervoTags(1, 2), u"Título");
-  EXPECT_EQ(acervo.AcervoArquivos[0], estacao.Pasta() / "mre" / "0000123.mre");
-  EXPECT_EQ(acervo.AcervoArquivos[1], estacao.Pasta() / "mre" / "12345678.mre");
+  EXPECT_EQ(acervo.TotalMusicas, 0);
 }
 
 TEST_F(CarregarAcervo, MusicaSemMreCedeOSlotERegistroIncompletoNaoConta) {
@@ -63,33 +70,12 @@ TEST_F(CarregarAcervo, VibeEMediaDeVelocidadeERitmo) {
   EXPECT_EQ(acervo.AcervoTags(2, kCampoVibe), u"0");
 }
 
-TEST_F(CarregarAcervo, CrlfELfDaoOMesmoAcervo) {
-  estacao.Musica(7, {{"Genero", "Rock"}, {"Publico", "Todos"}}).Musica(8).GravarAcervo();
-  std::string crlf;
-  for (char c : estacao.Ler("lxdb.rdb")) crlf += c == '\n' ? std::string("\r\n") : std::string(1, c);
-  crlf.resize(crlf.size() - 2);  // and no line end after the last line
-  estacao.GravarTexto("lxdb.rdb", crlf);
-  Carregar();
-  ASSERT_EQ(acervo.TotalMusicas, 2);
-  EXPECT_EQ(acervo.AcervoTags(0, 5), u"Rock");
-  EXPECT_EQ(acervo.AcervoTags(0, 31), u"Todos");
-  EXPECT_EQ(acervo.AcervoCodigos[1], 8);
-
-  estacao.GravarTexto("lxdb.rdb", "");
-  Carregar();
-  EXPECT_EQ(acervo.TotalMusicas, 0);
-}
-
 TEST_F(CarregarAcervo, ArquivoDefeituosoLevantaEMantemTotal) {
-  std::string lixo;
-  std::mt19937 gerador(7);
-  for (int i = 0; i < 4096; ++i) lixo.push_back(static_cast<char>(gerador() & 0xFF));
   const std::string tag = EstacaoTeste::Codificada("ok") + "\n";
   const std::vector<std::pair<const char*, std::string>> casos{
       {"código não numérico", EstacaoTeste::Codificada("12a") + "\n" + tag},
       {"código vazio", "0\n" + tag},
       {"caractere 99999", EstacaoTeste::Codificada("5") + "\n0000659999900066\n"},
-      {"lixo binário", lixo},
   };
   estacao.Musica(1).Musica(2).GravarAcervo();
   Carregar();
