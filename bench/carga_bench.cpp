@@ -21,9 +21,9 @@ void BM_CarregarEstacaoCheia(benchmark::State& state) {
   motor.E().playlists.PlaylistAtual = 0;
   for (auto _ : state) {
     motor.DefinirAcervo(0, -1);
-    benchmark::DoNotOptimize(motor.E().acervo.TotalMusicas);
+    benchmark::DoNotOptimize(motor.E().acervo().TotalMusicas);
   }
-  if (motor.E().acervo.TotalMusicas != 4001) state.SkipWithError("estação incompleta");
+  if (motor.E().acervo().TotalMusicas != 4001) state.SkipWithError("estação incompleta");
 }
 BENCHMARK(BM_CarregarEstacaoCheia)->Unit(benchmark::kMillisecond)->Repetitions(5)->ReportAggregatesOnly(true);
 
@@ -55,9 +55,9 @@ void BM_CargaPartida(benchmark::State& state) {
   motor.E().playlists.PlaylistAtual = 0;
   for (auto _ : state) {
     motor.DefinirAcervo(0, 0);
-    benchmark::DoNotOptimize(motor.E().historico.HistoricoCodigos[-1]);
+    benchmark::DoNotOptimize(motor.E().historico().HistoricoCodigos[-1]);
   }
-  if (motor.E().acervo.TotalMusicas != 4001) state.SkipWithError("estação incompleta");
+  if (motor.E().acervo().TotalMusicas != 4001) state.SkipWithError("estação incompleta");
 }
 BENCHMARK(BM_CargaPartida)->Unit(benchmark::kMillisecond)->Repetitions(5)->ReportAggregatesOnly(true);
 

@@ -13,7 +13,7 @@
 #include "base/texto.h"
 #include "cli/demo.h"
 #include "engine/despacho.h"
-#include "engine/estado.h"
+#include "state/estado.h"
 #include "engine/motor.h"
 
 namespace lumavox::bench {
@@ -35,13 +35,13 @@ inline const std::filesystem::path& EstacaoCheia() {
 // Plays every three minutes up to `agora`: the database's 500 at -500..-1 and the engine's at
 // 0..ultima-1, songs taken across the whole collection.
 inline void PreencherHistorico(Estado& e, DataHora agora, long ultima) {
-  Historico& h = e.historico;
-  for (long p = -500; p < ultima; ++p) {
-    h.HistoricoCodigos[p] = e.acervo.AcervoCodigos[(p + 500) * 7 % 4001];
-    h.HistoricoDatas[p] = SomarSegundos(agora, -180 * (ultima - p));
-  }
-  h.TotalTocadas = static_cast<int16_t>(ultima);
-  h.Alterado();
+  e.SubstituirHistorico([&](Historico& h) {
+    for (long p = -500; p < ultima; ++p) {
+      h.HistoricoCodigos[p] = e.acervo().AcervoCodigos[(p + 500) * 7 % 4001];
+      h.HistoricoDatas[p] = SomarSegundos(agora, -180 * (ultima - p));
+    }
+    h.TotalTocadas = static_cast<int16_t>(ultima);
+  });
 }
 
 // The full station loaded into an engine on a clock fixed at 22/11/2026 10:00, its history full
@@ -74,7 +74,7 @@ inline void AplicarUmaRegra(benchmark::State& state, Estado& e, const char* id,
   for (size_t k = 0; k < vars.size(); ++k) r.Var(static_cast<int>(k) + 1).Valor = vars[k];
   for (auto _ : state) {
     state.PauseTiming();
-    for (long i = 0; i < e.acervo.TotalMusicas; ++i) e.selecao.MusicaCandidata[i] = true;
+    for (long i = 0; i < e.acervo().TotalMusicas; ++i) e.selecao.MusicaCandidata[i] = true;
     e.log.Limpar();
     if (antes) antes();
     state.ResumeTiming();

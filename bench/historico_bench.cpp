@@ -25,13 +25,13 @@ Cheia& Estacao() {
   return cheia;
 }
 
-// `novaTocada` marks the history changed before each application, as a new selection would, so
-// the index over the plays is rebuilt inside the timed part.
+// `novaTocada` rewrites the history (with the same plays) before each application, as a new
+// selection would change it, so the index over the plays is rebuilt inside the timed part.
 void AplicarUma(benchmark::State& state, const char* id, std::vector<Texto> vars,
                 bool novaTocada = false) {
   Estado& e = Estacao().E();
   bench::AplicarUmaRegra(state, e, id, vars, [&] {
-    if (novaTocada) e.historico.Alterado();
+    if (novaTocada) e.SubstituirHistorico([](Historico&) {});
   });
 }
 

@@ -21,16 +21,16 @@ struct Cheia : bench::MotorCheio {
 
   Cheia() : MotorCheio(5) {
     Estado& e = E();
-    Historico& h = e.historico;
     const DataHora agora = ambiente.Agora();
-    for (long s = 0; s < kTotalSlots; s += 3) {
-      h.HistoricoTipo4[s] = true;
-      for (long k = 0; k < kDatasTipo5; ++k) {
-        h.HistoricoTipo5(s, k) = true;
-        h.HistoricoTipo5Datas(s, k) = SomarSegundos(agora, -86400 * (k + 1) - 3600 * (s % 24));
+    e.SubstituirHistorico([&](Historico& h) {
+      for (long s = 0; s < kTotalSlots; s += 3) {
+        h.HistoricoTipo4[s] = true;
+        for (long k = 0; k < kDatasTipo5; ++k) {
+          h.HistoricoTipo5(s, k) = true;
+          h.HistoricoTipo5Datas(s, k) = SomarSegundos(agora, -86400 * (k + 1) - 3600 * (s % 24));
+        }
       }
-    }
-    h.Alterado();
+    });
     TabelasAgenda& a = e.agenda;
     const Texto filtros[] = {u"Genero:Rock;Pop;MPB;Samba;Forró;Sertanejo",
                              u"Nacionalidade:Nacional;Internacional",
@@ -44,7 +44,7 @@ struct Cheia : bench::MotorCheio {
         for (long k = 0; k < kFiltrosAgenda; ++k) a.TabelasGrade(t, slot, k) = filtros[k];
     }
     const int16_t ultima = static_cast<int16_t>((3999 + 500) * 7 % 4001);
-    generoDaUltima = u"Genero:" + e.acervo.AcervoTags(ultima, 5);
+    generoDaUltima = u"Genero:" + e.acervo().AcervoTags(ultima, 5);
   }
 };
 

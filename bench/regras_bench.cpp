@@ -23,10 +23,10 @@ bench::MotorCheio& Estacao() {
 void AplicarUma(benchmark::State& state, const char* id, std::vector<Texto> vars,
                 bool historicoVazio = false) {
   Estado& e = Estacao().E();
-  const int16_t tocadas = e.historico.TotalTocadas;
-  if (historicoVazio) e.historico.TotalTocadas = 0;
+  const int16_t tocadas = e.historico().TotalTocadas;
+  if (historicoVazio) e.SubstituirHistorico([](Historico& h) { h.TotalTocadas = 0; });
   bench::AplicarUmaRegra(state, e, id, vars);
-  e.historico.TotalTocadas = tocadas;
+  e.SubstituirHistorico([&](Historico& h) { h.TotalTocadas = tocadas; });
 }
 
 void BM_Regra01(benchmark::State& s) { AplicarUma(s, "01", {u"Genero:Rock;Samba"}, true); }

@@ -58,7 +58,6 @@ void BM_UmaSelecaoSemArquivos(benchmark::State& state) {
   Motor motor(EstacaoSelecao(), ambiente);
   motor.Iniciar();
   Estado& e = motor.E();
-  Historico& h = e.historico;
   bench::PreencherHistorico(e, ambiente.Agora(), 3000);
   e.selecao.DataHoraReferencia = ambiente.Agora();
   e.execucao.NivelAtual = 50;
@@ -66,11 +65,8 @@ void BM_UmaSelecaoSemArquivos(benchmark::State& state) {
     const long slot = motor.EscolherMusica();
     // The chosen song joins the history, as after a real selection.
     state.PauseTiming();
-    h.HistoricoCodigos[h.TotalTocadas] = e.acervo.AcervoCodigos[slot];
-    h.HistoricoDatas[h.TotalTocadas] = e.selecao.DataHoraReferencia;
-    ++h.TotalTocadas;
-    if (h.TotalTocadas > 3400) h.TotalTocadas = 3000;
-    h.Alterado();
+    e.AdicionarTocada(e.acervo().AcervoCodigos[slot], e.selecao.DataHoraReferencia);
+    if (e.historico().TotalTocadas > 3400) e.SubstituirHistorico([](Historico& h) { h.TotalTocadas = 3000; });
     e.selecao.DataHoraReferencia = SomarSegundos(e.selecao.DataHoraReferencia, 180);
     state.ResumeTiming();
   }

@@ -25,16 +25,18 @@ std::unique_ptr<Estado> ColecaoCheia() {
       u"Rock;Pop",   u"Jazz",         u"MPB;Samba;",     u"Sertanejo", u"Pop;Dance;Eletrônica",
       u"Forró;Xote", u"Samba;Pagode", u"Blues;Jazz;Soul"};
   auto e = std::make_unique<Estado>();
-  for (long s = 0; s < kMusicas; ++s) {
-    auto i = static_cast<size_t>(s);
-    Texto artista(nomes[i % nomes.size()]);
-    if (s % 3 != 0)
-      artista += Texto(ligacoes[i % ligacoes.size()]) + Texto(nomes[(i * 7 + 3) % nomes.size()]);
-    if (s % 5 == 0) artista += u" & " + Texto(nomes[(i / 5) % nomes.size()]);
-    e->acervo.AcervoTags.Definir(s, 0, artista);
-    e->acervo.AcervoTags.Definir(s, 5, Texto(generos[(i * 3) % generos.size()]));
-  }
-  e->acervo.TotalMusicas = static_cast<int16_t>(kMusicas);
+  e->CarregarAcervo([&](Acervo& a) {
+    for (long s = 0; s < kMusicas; ++s) {
+      auto i = static_cast<size_t>(s);
+      Texto artista(nomes[i % nomes.size()]);
+      if (s % 3 != 0)
+        artista += Texto(ligacoes[i % ligacoes.size()]) + Texto(nomes[(i * 7 + 3) % nomes.size()]);
+      if (s % 5 == 0) artista += u" & " + Texto(nomes[(i / 5) % nomes.size()]);
+      a.AcervoTags.Definir(s, 0, artista);
+      a.AcervoTags.Definir(s, 5, Texto(generos[(i * 3) % generos.size()]));
+    }
+    a.TotalMusicas = static_cast<int16_t>(kMusicas);
+  });
   return e;
 }
 

@@ -8,7 +8,7 @@
 #include <QString>
 #include <QTreeWidget>
 
-#include "engine/log.h"
+#include "state/log.h"
 
 namespace lumavox::app {
 

@@ -10,7 +10,7 @@
 #include <optional>
 
 #include "engine/motor.h"
-#include "engine/painel.h"
+#include "state/painel.h"
 
 class QCheckBox;
 class QLabel;

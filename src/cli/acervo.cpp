@@ -32,7 +32,7 @@ nlohmann::ordered_json MusicaJson(const Acervo& a, long slot) {
 
 void ImprimirTexto(std::ostream& out, const Motor& motor) {
   const Estado& e = motor.E();
-  const Acervo& a = e.acervo;
+  const Acervo& a = e.acervo();
   out << "Pasta: " << motor.CaminhoApp().string() << "\n";
   out << "Playlist em vigor: " << e.playlists.PlaylistAtual << " (" << a.PastaDados.string() << ")\n";
   out << "TotalMusicas: " << a.TotalMusicas << "\n";
@@ -77,13 +77,13 @@ void ExecutarAcervo(Contexto& ctx, const OpcoesAcervo& op) {
   }
   const Estado& e = motor->E();
   nlohmann::ordered_json doc;
-  doc["total_musicas"] = e.acervo.TotalMusicas;
+  doc["total_musicas"] = e.acervo().TotalMusicas;
   doc["playlist_atual"] = e.playlists.PlaylistAtual;
-  doc["pasta_dados"] = e.acervo.PastaDados.string();
+  doc["pasta_dados"] = e.acervo().PastaDados.string();
   doc["quantidade_regras"] = e.catalogo.QuantidadeRegras;
   doc["erro"] = motor->UltimoErro() ? nlohmann::ordered_json(*motor->UltimoErro()) : nlohmann::ordered_json();
   nlohmann::ordered_json musicas = nlohmann::ordered_json::array();
-  for (long s = 0; s < e.acervo.TotalMusicas; ++s) musicas.push_back(MusicaJson(e.acervo, s));
+  for (long s = 0; s < e.acervo().TotalMusicas; ++s) musicas.push_back(MusicaJson(e.acervo(), s));
   doc["musicas"] = std::move(musicas);
   ctx.saida << doc.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << "\n";
 }

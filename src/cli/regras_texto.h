@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "base/texto.h"
-#include "engine/catalogo.h"
+#include "stores/catalogo.h"
 
 namespace lumavox::cli {
 

@@ -6,7 +6,7 @@
 
 #include <ostream>
 
-#include "engine/estado.h"
+#include "state/estado.h"
 #include "engine/execucao.h"
 
 namespace lumavox::cli {

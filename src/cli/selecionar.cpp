@@ -50,14 +50,14 @@ bool PreencherTocadas(Estado& e, const std::string& lista, DataHora agora, std::
     erro = "--played com mais de 4000 músicas";
     return false;
   }
-  Historico& h = e.historico;
-  const long n = static_cast<long>(tocadas.size());
-  for (long i = 0; i < n; ++i) {
-    h.HistoricoCodigos[i] = tocadas[static_cast<size_t>(i)].first;
-    h.HistoricoDatas[i] = tocadas[static_cast<size_t>(i)].second.value_or(SomarSegundos(agora, -60 * (n - i)));
-  }
-  h.TotalTocadas = static_cast<int16_t>(n);
-  h.Alterado();
+  e.SubstituirHistorico([&](Historico& h) {
+    const long n = static_cast<long>(tocadas.size());
+    for (long i = 0; i < n; ++i) {
+      h.HistoricoCodigos[i] = tocadas[static_cast<size_t>(i)].first;
+      h.HistoricoDatas[i] = tocadas[static_cast<size_t>(i)].second.value_or(SomarSegundos(agora, -60 * (n - i)));
+    }
+    h.TotalTocadas = static_cast<int16_t>(n);
+  });
   return true;
 }
 
@@ -96,11 +96,11 @@ void ExecutarSelecao(Contexto& ctx, const OpcoesSelecao& op) {
   if (op.json) {
     nlohmann::ordered_json selecoes = nlohmann::ordered_json::array();
     for (const SelecaoFeita& s : r.selecoes) selecoes.push_back(SelecaoJson(e, s));
-    nlohmann::ordered_json doc = {{"total_musicas", e.acervo.TotalMusicas}, {"selecoes", std::move(selecoes)}};
+    nlohmann::ordered_json doc = {{"total_musicas", e.acervo().TotalMusicas}, {"selecoes", std::move(selecoes)}};
     ctx.saida << doc.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << "\n";
     return;
   }
-  ctx.saida << "TotalMusicas: " << e.acervo.TotalMusicas << "\n";
+  ctx.saida << "TotalMusicas: " << e.acervo().TotalMusicas << "\n";
   if (r.selecoes.empty()) ctx.saida << "Nenhuma seleção feita.\n";
   for (const SelecaoFeita& s : r.selecoes)
     if (const NoLog* no = ProcurarSelecao(e, s.chaveLog)) ImprimirArvore(ctx.saida, *no);

@@ -242,7 +242,7 @@ void ExecutarSimular(Contexto& ctx, const OpcoesSimular& op) {
   // Plays logged after the simulated start sit in the rules' "recent" window all day long.
   DataHora ultimaTocada = inicio;
   for (long p = -500; p < 0; ++p)
-    if (e.historico.HistoricoCodigos[p] > 0) ultimaTocada = std::max(ultimaTocada, e.historico.HistoricoDatas[p]);
+    if (e.historico().HistoricoCodigos[p] > 0) ultimaTocada = std::max(ultimaTocada, e.historico().HistoricoDatas[p]);
   if (ultimaTocada > inicio)
     sim.avisos.push_back("o histórico da estação tem tocadas depois do início simulado (até " +
                          FormatarIso(ultimaTocada) + "); as regras as contam como recentes");
@@ -251,7 +251,7 @@ void ExecutarSimular(Contexto& ctx, const OpcoesSimular& op) {
   auto Rodar = [&] {
     const ResultadoExecucao r = motor->TestarRegras();
     // A night playlist may hold fewer songs: the report names the largest collection seen.
-    sim.totalMusicas = std::max<int>(sim.totalMusicas, e.acervo.TotalMusicas);
+    sim.totalMusicas = std::max<int>(sim.totalMusicas, e.acervo().TotalMusicas);
     for (const SelecaoFeita& s : r.selecoes) {
       ++sim.escolhidas;
       ContarRegras(e, s, sim);
@@ -295,9 +295,9 @@ void ExecutarSimular(Contexto& ctx, const OpcoesSimular& op) {
     t.codigo = tocada->codigo;
     t.nivel = nivel;
     const int16_t slot = LocalizarMusica(e, tocada->codigo);
-    t.vibe = e.acervo.AcervoVibe[slot];
-    t.artista = e.acervo.AcervoTags(slot, kCampoArtista);
-    t.titulo = e.acervo.AcervoTags(slot, kCampoTitle);
+    t.vibe = e.acervo().AcervoVibe[slot];
+    t.artista = e.acervo().AcervoTags(slot, kCampoArtista);
+    t.titulo = e.acervo().AcervoTags(slot, kCampoTitle);
     const int64_t duracao = DuracaoDaMusica(e, tocada->codigo);
     t.avancada = op.avancar > 0 && static_cast<int>(ouvinte() % 100) < op.avancar;
     sim.tocadas.push_back(std::move(t));

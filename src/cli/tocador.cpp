@@ -5,7 +5,7 @@
 #include "base/arquivos.h"
 #include "base/erro.h"
 #include "base/numeros.h"
-#include "engine/estado.h"
+#include "state/estado.h"
 #include "rules/candidatos.h"
 #include "stores/banco_sqlite.h"
 #include "stores/saida.h"
@@ -57,7 +57,7 @@ void TocadorSimulado::DefinirNivel(int nivel) { EscreverBytes(pasta_ / "ritmo.re
 
 int64_t DuracaoDaMusica(Estado& e, int32_t codigo) {
   const int16_t slot = LocalizarMusica(e, codigo);
-  const double duracao = ValorNumerico(e.acervo.AcervoTags(slot, kCampoDuracaoSec));
+  const double duracao = ValorNumerico(e.acervo().AcervoTags(slot, kCampoDuracaoSec));
   if (!(duracao > 0) || duracao > 86400) return 180;
   return static_cast<int64_t>(ArredondarPar(duracao));
 }

@@ -23,7 +23,7 @@ struct OpcoesTocar {
   uint32_t semente = 1;
 };
 
-std::string Tag(const Estado& e, long slot, long campo) { return ParaUtf8(e.acervo.AcervoTags(slot, campo)); }
+std::string Tag(const Estado& e, long slot, long campo) { return ParaUtf8(e.acervo().AcervoTags(slot, campo)); }
 
 // The rules that removed songs for this choice, as "12 -40".
 std::string RegrasQueAgiram(const Estado& e, const SelecaoFeita& s) {
@@ -60,7 +60,7 @@ void ExecutarTocar(Contexto& ctx, const OpcoesTocar& op) {
   motor.Iniciar();
   if (motor.UltimoErro()) ctx.erros << "aviso: " << *motor.UltimoErro() << "\n";
   const Estado& e = motor.E();
-  ctx.saida << "Estação " << pasta.string() << ": " << e.acervo.TotalMusicas << " músicas, "
+  ctx.saida << "Estação " << pasta.string() << ": " << e.acervo().TotalMusicas << " músicas, "
             << e.catalogo.QuantidadeRegras[0] << "/" << e.catalogo.QuantidadeRegras[1] << "/"
             << e.catalogo.QuantidadeRegras[2] << " regras (conjuntos 0/1/2)\n";
 

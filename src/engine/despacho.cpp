@@ -4,8 +4,8 @@
 
 #include "base/erro.h"
 #include "base/numeros.h"
-#include "engine/estado.h"
-#include "engine/log.h"
+#include "state/estado.h"
+#include "engine/registro.h"
 #include "rules/regras.h"
 
 namespace lumavox {
@@ -46,7 +46,7 @@ Texto AjustarValorVariavel(const Estado& e, std::u16string_view valor) {
 
 bool AplicarRegra(Estado& e, bool UsarCatalogo, long Indice, int16_t Nivel) {
   Selecao& s = e.selecao;
-  const long total = e.acervo.TotalMusicas;
+  const long total = e.acervo().TotalMusicas;
   for (long i = 0; i < total; ++i) s.MusicaMantida[i] = true;
   s.NaoRealizada = false;
 

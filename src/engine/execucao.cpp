@@ -7,7 +7,7 @@
 #include "base/arquivos.h"
 #include "base/numeros.h"
 #include "engine/despacho.h"
-#include "engine/log.h"
+#include "engine/registro.h"
 #include "engine/motor.h"
 #include "rules/candidatos.h"
 #include "stores/saida.h"
@@ -34,16 +34,6 @@ std::optional<MarcaArquivo> MarcaDe(const fs::path& arquivo) {
 }
 
 }  // namespace
-
-void ChecarMusicasTocadas(Historico& h) {
-  if (h.TotalTocadas < 3501) return;
-  for (long i = 0; i <= 1000; ++i) {
-    h.HistoricoCodigos[i - 500] = h.HistoricoCodigos[i + 2500];
-    h.HistoricoDatas[i - 500] = h.HistoricoDatas[i + 2500];
-  }
-  h.TotalTocadas = 501;
-  h.Alterado();
-}
 
 void Motor::LerNivel() {
   Execucao& x = estado_.execucao;
@@ -99,7 +89,7 @@ long Motor::EscolherMusica() {
     estado_.painel->Ceder();
   }
 
-  const long total = estado_.acervo.TotalMusicas;
+  const long total = estado_.acervo().TotalMusicas;
   sel.MusicasExcluidas = 0;
   for (long i = 0; i < total; ++i) sel.MusicaCandidata[i] = true;
   const int conjunto = ConjuntoDoNivel(x.NivelAtual);
@@ -147,7 +137,7 @@ ResultadoExecucao Motor::TestarRegras() {
     } catch (const std::exception& e) {
       ultimoErro_ = std::string("VerificarPlaylist: ") + e.what();
     }
-    if (estado_.acervo.TotalMusicas < kMinimoMusicas) {
+    if (estado_.acervo().TotalMusicas < kMinimoMusicas) {
       // Too small a collection never gets a song; the next call looks again.
       ambiente_.Esperar(kEsperaAcervoPequenoMs);
       break;
@@ -163,7 +153,7 @@ ResultadoExecucao Motor::TestarRegras() {
 
     const int conjunto = ConjuntoDoNivel(x.NivelAtual);
     const long escolhido = EscolherMusica();
-    const Acervo& a = estado_.acervo;
+    const Acervo& a = estado_.acervo();
     const int32_t codigo = a.AcervoCodigos[escolhido];
     const DataHora momento = sel.DataHoraReferencia;
 
@@ -212,16 +202,12 @@ ResultadoExecucao Motor::TestarRegras() {
     }
 
     // The chosen song joins the history at the moment the rules took as now for it.
-    Historico& h = estado_.historico;
     try {
-      h.HistoricoCodigos[h.TotalTocadas] = codigo;
-      h.HistoricoDatas[h.TotalTocadas] = momento;
-      ++h.TotalTocadas;
-      h.Alterado();
+      estado_.AdicionarTocada(codigo, momento);
     } catch (const ErroExecucao& e) {
       ultimoErro_ = std::string("Histórico: ") + e.what();
     }
-    ChecarMusicasTocadas(h);
+    estado_.ChecarMusicasTocadas();
     x.CliqueAvancar = 0;
     resultado.selecoes.push_back(std::move(feita));
   }
@@ -232,7 +218,7 @@ ResultadoExecucao Motor::TestarRegras() {
 long Motor::Sortear() {
   const Selecao& sel = estado_.selecao;
   Execucao& x = estado_.execucao;
-  const long total = estado_.acervo.TotalMusicas;
+  const long total = estado_.acervo().TotalMusicas;
   const float k = static_cast<float>(total - sel.MusicasExcluidas);
   const float sorteado = ambiente_.Aleatorio();
   const long n = static_cast<long>(std::floor(k * sorteado + 1.0f));
@@ -246,7 +232,7 @@ long Motor::Sortear() {
   }
   if (x.MusicaForcada > 0) {
     for (long i = 0; i <= ultimo; ++i)
-      if (estado_.acervo.AcervoCodigos[i] == x.MusicaForcada) escolhido = i;
+      if (estado_.acervo().AcervoCodigos[i] == x.MusicaForcada) escolhido = i;
     x.MusicaForcada = 0;
   }
   return escolhido;

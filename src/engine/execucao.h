@@ -1,5 +1,4 @@
-// One call of the selection run and what it reports. The run itself is Motor::TestarRegras;
-// this header holds its result and the history compaction it ends with.
+// What one call of the selection run reports. The run itself is Motor::TestarRegras.
 #pragma once
 
 #include <cstdint>
@@ -8,8 +7,6 @@
 #include <vector>
 
 namespace lumavox {
-
-struct Historico;
 
 struct SelecaoFeita {
   int numero = 0;          // 1, 2, ... within the call
@@ -26,9 +23,5 @@ struct ResultadoExecucao {
   std::vector<SelecaoFeita> selecoes;
   int proximoIntervaloMs = 1000;  // when the timer should fire again
 };
-
-// More than 3500 plays added: the 1001 newest of the first 3501 move to -500..500 and the
-// next play goes to 501.
-void ChecarMusicasTocadas(Historico& h);
 
 }  // namespace lumavox

@@ -53,15 +53,17 @@ void Motor::AbrirPlaylists() { lumavox::AbrirPlaylists(estado_.playlists, caminh
 
 void Motor::DefinirAcervo(int32_t CodAcervo, int16_t CarregarLogs) {
   (void)CodAcervo;  // carried along by its callers, never read
-  Acervo& acervo = estado_.acervo;
-  acervo.CaminhoApp = caminhoApp_;
-  acervo.PastaDados = estado_.playlists.Playlists[estado_.playlists.PlaylistAtual];
-  if (estado_.painel) estado_.painel->MostrarPlaylist(acervo.PastaDados);
+  const Acervo& acervo = estado_.acervo();
+  estado_.CarregarAcervo([&](Acervo& a) {
+    a.CaminhoApp = caminhoApp_;
+    a.PastaDados = estado_.playlists.Playlists[estado_.playlists.PlaylistAtual];
+    if (estado_.painel) estado_.painel->MostrarPlaylist(a.PastaDados);
 
-  if (estado_.ModoDebug) EscreverDebug(u"Preparando a carregar tags");
-  CarregarColecao(acervo, acervo.PastaDados, [this](long slot) {
-    // One line per line read, on purpose: the trace shows the exact line a load stopped at.
-    if (estado_.ModoDebug) EscreverDebug(u"Musica: " + DeUtf8(std::to_string(slot)));
+    if (estado_.ModoDebug) EscreverDebug(u"Preparando a carregar tags");
+    CarregarColecao(a, a.PastaDados, [this](long slot) {
+      // One line per line read, on purpose: the trace shows the exact line a load stopped at.
+      if (estado_.ModoDebug) EscreverDebug(u"Musica: " + DeUtf8(std::to_string(slot)));
+    });
   });
 
   EscreverLinha(caminhoApp_ / "nreg.rer", DeUtf8(std::to_string(acervo.TotalMusicas)));
@@ -80,8 +82,9 @@ void Motor::DefinirAcervo(int32_t CodAcervo, int16_t CarregarLogs) {
 }
 
 void Motor::CarregarMusicasTocadas() {
-  if (historico_) historico_->CarregarMusicasTocadas(estado_.historico, estado_.acervo);
-  estado_.historico.Alterado();
+  estado_.SubstituirHistorico([this](Historico& h) {
+    if (historico_) historico_->CarregarMusicasTocadas(h, estado_.acervo());
+  });
 }
 
 void Motor::VerificarPlaylist(int16_t CarregarLogs) {

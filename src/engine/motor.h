@@ -11,7 +11,7 @@
 #include <utility>
 
 #include "base/ambiente.h"
-#include "engine/estado.h"
+#include "state/estado.h"
 #include "engine/execucao.h"
 
 namespace lumavox {

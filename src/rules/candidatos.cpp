@@ -33,27 +33,9 @@ bool VerificarVigencia(const Estado& e, std::u16string_view data, std::u16string
   return vigente;
 }
 
-int16_t LocalizarMusica(Estado& e, int32_t codigo) {
-  Acervo& a = e.acervo;
-  IndiceCodigos& indice = a.indiceCodigos;
-  if (indice.versao != a.VersaoCodigos) {
-    indice.primeiroSlot.clear();
-    indice.primeiroSlot.reserve(kTotalSlots);
-    for (long slot = 0; slot <= kUltimoSlot; ++slot)
-      indice.primeiroSlot.emplace(a.AcervoCodigos.SemVerificar(slot), static_cast<int16_t>(slot));
-    indice.versao = a.VersaoCodigos;
-  }
-  auto it = indice.primeiroSlot.find(codigo);
-  return it == indice.primeiroSlot.end() ? kSlotAusente : it->second;
-}
-
-int16_t LocalizarMusicaTocada(Estado& e, long posicao) {
-  return LocalizarMusica(e, e.historico.HistoricoCodigos[posicao]);
-}
-
 int32_t MinutosDesdeTocada(const Estado& e, long posicao) {
   return static_cast<int32_t>(
-      DiferencaMinutos(e.historico.HistoricoDatas[posicao], e.selecao.DataHoraReferencia));
+      DiferencaMinutos(e.historico().HistoricoDatas[posicao], e.selecao.DataHoraReferencia));
 }
 
 }  // namespace lumavox

@@ -5,16 +5,14 @@
 #include <cstdint>
 #include <string_view>
 
-#include "engine/estado.h"
+#include "state/estado.h"
 
 namespace lumavox {
-
-constexpr int16_t kSlotAusente = 4000;  // "not found", and also the last slot: never told apart
 
 // Last slot of a rule's loop over the collection. The loops deliberately run one slot past the
 // last song; with a full collection of 4001 songs there is no such slot and they stop at 4000.
 inline long UltimoSlotDosLacos(const Estado& e) {
-  return e.acervo.TotalMusicas < kUltimoSlot ? e.acervo.TotalMusicas : kUltimoSlot;
+  return e.acervo().TotalMusicas < kUltimoSlot ? e.acervo().TotalMusicas : kUltimoSlot;
 }
 
 // True when the rule is in force at DataHoraReferencia: the date D (if given) equals the
@@ -24,10 +22,6 @@ inline long UltimoSlotDosLacos(const Estado& e) {
 bool VerificarVigencia(const Estado& e, std::u16string_view data, std::u16string_view inicio,
                        std::u16string_view fim);
 
-// First slot 0..4000 holding the code, or 4000 when none does (stale slots count).
-int16_t LocalizarMusica(Estado& e, int32_t codigo);
-// The slot of the song played at a history position (-4000..4000), or 4000.
-int16_t LocalizarMusicaTocada(Estado& e, long posicao);
 // Minute boundaries from the play at `posicao` to DataHoraReferencia.
 int32_t MinutosDesdeTocada(const Estado& e, long posicao);
 

@@ -8,7 +8,7 @@ namespace lumavox {
 void Regra01(Estado& e) {
   const RegrasCatalogo& r = e.catalogo.RegraAtual;
   if (!VerificarVigencia(e, r.Valor(2), r.Valor(3), r.Valor(4))) return;
-  if (e.historico.TotalTocadas > 0) return;
+  if (e.historico().TotalTocadas > 0) return;
   Selecao& s = e.selecao;
   for (long i = 0; i <= UltimoSlotDosLacos(e); ++i)
     if (s.MusicaCandidata[i] && !ConferirTag(e, r.Valor(1), i)) s.MusicaMantida[i] = false;

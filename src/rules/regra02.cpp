@@ -21,7 +21,7 @@ void Regra02(Estado& e, double horas) {
   if (campo == kCampoDesconhecido) return;
 
   // The songs played within the window whose value the filter is about, each once.
-  const Historico& h = e.historico;
+  const Historico& h = e.historico();
   const double limite = horas * 60;
   std::vector<int16_t> recentes;
   std::vector<bool> visto(kTotalSlots, false);

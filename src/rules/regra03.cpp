@@ -29,7 +29,7 @@ void Regra03(Estado& e) {
       if (sel.MusicaCandidata[i] && ConferirTag(e, filtro, i) == trocar) sel.MusicaMantida[i] = false;
     return;
   }
-  const int32_t ultima = e.historico.HistoricoCodigos[e.historico.TotalTocadas - 1];
+  const int32_t ultima = e.historico().HistoricoCodigos[e.historico().TotalTocadas - 1];
   if (ultima < 1) return;
   const int16_t campo = IndiceCampo(filtro);
   const int16_t slotUltima = LocalizarMusica(e, ultima);

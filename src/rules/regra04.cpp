@@ -28,7 +28,7 @@ void Regra04(Estado& e) {
   Selecao& sel = e.selecao;
   for (long i = 0; i <= UltimoSlotDosLacos(e); ++i) {
     if (!sel.MusicaCandidata[i]) continue;
-    const long nota = ParaInteiro16(ValorNumerico(e.acervo.AcervoTags(i, kCampoNota)));
+    const long nota = ParaInteiro16(ValorNumerico(e.acervo().AcervoTags(i, kCampoNota)));
     if (!permitida[nota]) sel.MusicaMantida[i] = false;
   }
 }

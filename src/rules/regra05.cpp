@@ -2,7 +2,7 @@
 // then those rated exactly 9 or 10 each get an even chance back.
 #include "base/numeros.h"
 #include "rules/candidatos.h"
-#include "rules/indice_historico.h"
+#include "state/indice_historico.h"
 #include "rules/regras.h"
 #include "rules/sorteio.h"
 #include "stores/acervo.h"
@@ -19,7 +19,7 @@ void Regra05(Estado& e) {
   for (long i = 0; i <= ultimo; ++i) {
     if (!sel.MusicaCandidata[i]) continue;
     if (!indice) indice = &IndiceDoHistorico(e);
-    const int32_t codigo = e.acervo.AcervoCodigos[i];
+    const int32_t codigo = e.acervo().AcervoCodigos[i];
     if (indice->PrimeiraDoCodigo(codigo) != IndiceHistorico::kFim) sel.MusicaMantida[i] = false;
   }
 
@@ -29,7 +29,7 @@ void Regra05(Estado& e) {
 
   for (long i = 0; i <= ultimo; ++i) {
     if (sel.MusicaMantida[i] || !sel.MusicaCandidata[i]) continue;
-    const double nota = ValorNumerico(e.acervo.AcervoTags(i, kCampoNota));
+    const double nota = ValorNumerico(e.acervo().AcervoTags(i, kCampoNota));
     if ((nota == 10 || nota == 9) && SortearPercentual(e) <= 50) sel.MusicaMantida[i] = true;
   }
 }

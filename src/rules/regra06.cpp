@@ -3,7 +3,7 @@
 #include "base/datas.h"
 #include "base/numeros.h"
 #include "rules/candidatos.h"
-#include "rules/indice_historico.h"
+#include "state/indice_historico.h"
 #include "rules/regras.h"
 
 namespace lumavox {
@@ -14,7 +14,7 @@ void Regra06(Estado& e) {
   const int16_t dias = ParaInteiro16(ValorNumerico(r.Valor(1)));
   const int16_t horas = ParaInteiro16(ValorNumerico(r.Valor(2)));
 
-  const Historico& h = e.historico;
+  const Historico& h = e.historico();
   const DataHora referencia = e.selecao.DataHoraReferencia;
   const int64_t agora = SegundosDoDia(referencia);
   const int64_t meiaLargura = int64_t{horas} * 3600;

@@ -13,12 +13,12 @@ void Regra07(Estado& e) {
   if (!VerificarVigencia(e, r.Valor(6), r.Valor(7), r.Valor(8))) return;
   const Texto& filtro = r.Valor(1);
   const int16_t campo = IndiceCampo(filtro);
-  const Historico& h = e.historico;
+  const Historico& h = e.historico();
   if (h.TotalTocadas == 0) return;
 
   const long ultima = h.TotalTocadas - 1;
   const int16_t slotUltima = LocalizarMusica(e, h.HistoricoCodigos[ultima]);
-  const Acervo& a = e.acervo;
+  const Acervo& a = e.acervo();
   // A named tag is compared piece by piece without exception; the last song's own value with
   // the "POP" pieces skipped.
   const bool geral = TerminaComGeral(filtro);

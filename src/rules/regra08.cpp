@@ -27,7 +27,7 @@ void Regra08(Estado& e) {
   Selecao& s = e.selecao;
   for (long i = 0; i <= UltimoSlotDosLacos(e); ++i) {
     if (!s.MusicaCandidata[i]) continue;
-    const double nota = ValorNumerico(e.acervo.AcervoTags(i, kCampoNota));
+    const double nota = ValorNumerico(e.acervo().AcervoTags(i, kCampoNota));
     if (nota > maior || nota < menor || !ConferirTag(e, r.Valor(3), i) ||
         !ConferirTag(e, r.Valor(4), i))
       s.MusicaMantida[i] = false;

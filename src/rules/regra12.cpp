@@ -14,7 +14,7 @@ void Regra12(Estado& e) {
   const Texto& filtro = r.Valor(2);
   const int16_t campo = IndiceCampo(filtro);
   const int16_t x = ParaInteiro16(ValorNumerico(r.Valor(1)));
-  const Historico& h = e.historico;
+  const Historico& h = e.historico();
   if (h.TotalTocadas < x) return;
 
   const long ultima = h.TotalTocadas - 1;
@@ -34,7 +34,7 @@ void Regra12(Estado& e) {
     for (long p = ultima; p >= ultima - x; --p) {
       if (p == ultima) {
         // Reading the last song's value raises for an unknown field, as any tag read would.
-        (void)e.acervo.AcervoTags(slotUltima, campo);
+        (void)e.acervo().AcervoTags(slotUltima, campo);
         contagem = 1;
       } else {
         ContarAnterior(p);

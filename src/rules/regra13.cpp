@@ -6,7 +6,7 @@
 #include "base/datas.h"
 #include "base/numeros.h"
 #include "rules/candidatos.h"
-#include "rules/indice_historico.h"
+#include "state/indice_historico.h"
 #include "rules/regras.h"
 
 namespace lumavox {
@@ -32,7 +32,7 @@ void Regra13(Estado& e) {
   if (!VerificarVigencia(e, r.Valor(2), r.Valor(3), r.Valor(4))) return;
   const int16_t limite = TextoParaInteiro16(r.Valor(1));
 
-  const Historico& h = e.historico;
+  const Historico& h = e.historico();
   const DataHora hoje = SoData(e.ambiente->Agora());
   const DataHora diaDeHoje = DataDoDia(hoje);
   Selecao& sel = e.selecao;
@@ -43,7 +43,7 @@ void Regra13(Estado& e) {
     DataHora d = hoje;
     DataHora diaDeD = diaDeHoje;
     int16_t contagem = 0;
-    for (long p = indice->PrimeiraDoCodigo(e.acervo.AcervoCodigos[i]); p != IndiceHistorico::kFim;
+    for (long p = indice->PrimeiraDoCodigo(e.acervo().AcervoCodigos[i]); p != IndiceHistorico::kFim;
          p = indice->SeguinteDoCodigo(p)) {
       const DataHora tocada = h.HistoricoDatas[p];
       if (DataDoDia(tocada) == diaDeD) continue;  // a second play on the tracked day

@@ -16,7 +16,7 @@ void Regra23(Estado& e) {
   const RegrasCatalogo& r = e.catalogo.RegraAtual;
   if (!VerificarVigencia(e, r.Valor(8), r.Valor(9), r.Valor(10))) return;
   const Texto& modo = r.Valor(4);
-  const Historico& h = e.historico;
+  const Historico& h = e.historico();
   if (modo.empty() || h.TotalTocadas < 1) return;
   if (!Definido(r.Valor(1))) return;
   const int16_t ultima = LocalizarMusica(e, h.HistoricoCodigos[h.TotalTocadas - 1]);

@@ -11,16 +11,16 @@ namespace lumavox {
 void RegraGeneroInfluente(Estado& e, long campoUltima, long campoCandidata) {
   const RegrasCatalogo& r = e.catalogo.RegraAtual;
   if (!VerificarVigencia(e, r.Valor(2), r.Valor(3), r.Valor(4))) return;
-  const Historico& h = e.historico;
+  const Historico& h = e.historico();
   if (h.TotalTocadas < 1) return;
   if (SortearPercentual(e) > ArredondarPar(ValorNumerico(r.Valor(1)))) return;
 
   const int16_t ultima = LocalizarMusica(e, h.HistoricoCodigos[h.TotalTocadas - 1]);
-  const Texto& referencia = e.acervo.AcervoTags(ultima, campoUltima);
+  const Texto& referencia = e.acervo().AcervoTags(ultima, campoUltima);
   Selecao& s = e.selecao;
   for (long i = 0; i <= UltimoSlotDosLacos(e); ++i)
     if (s.MusicaCandidata[i] &&
-        !CompararArtistas(e, referencia, e.acervo.AcervoTags(i, campoCandidata),
+        !CompararArtistas(e, referencia, e.acervo().AcervoTags(i, campoCandidata),
                           kCampoDesconhecido))
       s.MusicaMantida[i] = false;
 }

@@ -25,7 +25,7 @@ void Regra25(Estado& e) {
   long slot;
   if (ValorNumerico(r.Valor(2)) == 1) {
     // Modulo 359, so the position never reaches the table's last slot.
-    slot = e.historico.TotalTocadas % 359;
+    slot = e.historico().TotalTocadas % 359;
   } else {
     const PartesData agora = Decompor(e.selecao.DataHoraReferencia);
     slot = (agora.hora * 60 + agora.minuto) / 4;

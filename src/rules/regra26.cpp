@@ -5,7 +5,7 @@
 #include "base/numeros.h"
 #include "rules/candidatos.h"
 #include "rules/regras.h"
-#include "rules/ritmo.h"
+#include "stores/ritmo.h"
 #include "stores/acervo.h"
 
 namespace lumavox {
@@ -13,14 +13,14 @@ namespace lumavox {
 void Regra26(Estado& e) {
   const RegrasCatalogo& r = e.catalogo.RegraAtual;
   if (!VerificarVigencia(e, r.Valor(3), r.Valor(4), r.Valor(5))) return;
-  const Historico& h = e.historico;
+  const Historico& h = e.historico();
   if (h.TotalTocadas <= 0) return;
   constexpr long kCamposPorTipo[] = {kCampoVelocidade, kCampoRitmo, kCampoNota, kCampoBpm, kCampoVibe};
   const double tipo = ValorNumerico(r.Valor(1));
   if (tipo != 0 && tipo != 1 && tipo != 2 && tipo != 3 && tipo != 4) return;
   const long campo = kCamposPorTipo[static_cast<int>(tipo)];
 
-  const Acervo& a = e.acervo;
+  const Acervo& a = e.acervo();
   const double referencia = ValorRitmo(a.AcervoTags(LocalizarMusicaTocada(e, h.TotalTocadas - 1), campo));
   Selecao& sel = e.selecao;
   for (long i = 0; i <= UltimoSlotDosLacos(e); ++i) {

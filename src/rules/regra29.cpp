@@ -13,7 +13,7 @@ void Regra29(Estado& e) {
   const int16_t chance = ParaInteiro16(ValorNumerico(r.Valor(1)));
   if (SortearPercentual(e) > chance) return;
 
-  const Historico& h = e.historico;
+  const Historico& h = e.historico();
   Selecao& s = e.selecao;
   for (long i = 0; i <= UltimoSlotDosLacos(e); ++i)
     if (s.MusicaCandidata[i] && !h.HistoricoTipo4[i]) s.MusicaMantida[i] = false;

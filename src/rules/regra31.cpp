@@ -15,7 +15,7 @@ void Regra31(Estado& e) {
   const DataHora de = SoHora(SomarSegundos(agora, -3600LL * horas));
   const DataHora ate = SoHora(SomarSegundos(agora, 3600LL * horas));
 
-  const Historico& h = e.historico;
+  const Historico& h = e.historico();
   Selecao& s = e.selecao;
   for (long i = 0; i <= UltimoSlotDosLacos(e); ++i) {
     if (!s.MusicaCandidata[i] || !h.HistoricoTipo5(i, 0)) continue;

@@ -21,7 +21,7 @@ void Regra32(Estado& e) {
   const double descida = 100 / (-v);
   const double baseDescida = 100 + centro * 100 / v;
 
-  const Acervo& a = e.acervo;
+  const Acervo& a = e.acervo();
   Selecao& s = e.selecao;
   for (long i = 0; i <= UltimoSlotDosLacos(e); ++i) {
     if (!s.MusicaCandidata[i]) continue;

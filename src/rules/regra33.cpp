@@ -10,7 +10,7 @@ void Regra33(Estado& e) {
   if (!VerificarVigencia(e, r.Valor(2), r.Valor(3), r.Valor(4))) return;
   const double centro = e.selecao.NivelRitmo / 10.0;
   const double v = ValorNumerico(r.Valor(1));
-  const Acervo& a = e.acervo;
+  const Acervo& a = e.acervo();
   Selecao& s = e.selecao;
   for (long i = 0; i <= UltimoSlotDosLacos(e); ++i) {
     if (!s.MusicaCandidata[i]) continue;

@@ -16,7 +16,7 @@ void Regra34(Estado& e) {
   const int16_t n = ParaInteiro16(ValorNumerico(r.Valor(1)) - 1);
   if (TerminaComGeral(filtro)) return;
 
-  const Historico& h = e.historico;
+  const Historico& h = e.historico();
   // Whether a recent play had the tag is the same for every candidate: look once, at the first
   // candidate that has the tag (where a position past the history raises, as it would there).
   std::optional<bool> tocadaRecente;

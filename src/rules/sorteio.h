@@ -3,7 +3,7 @@
 
 #include <cmath>
 
-#include "engine/estado.h"
+#include "state/estado.h"
 
 namespace lumavox {
 

@@ -1,7 +1,7 @@
 #include "rules/tags.h"
 
 #include "base/numeros.h"
-#include "rules/pedacos.h"
+#include "state/pedacos.h"
 #include "stores/acervo.h"
 
 namespace lumavox {
@@ -77,7 +77,7 @@ bool ConferirTag(Estado& e, std::u16string_view filtro, long slot) {
   const FiltroPreparado& f = PrepararFiltro(e, filtro);
   if (f.aceitaTudo) return true;
   if (f.campo == kCampoDesconhecido) return false;
-  const PedacosTexto& tag = e.cacheTags.DoSlot(slot, f.campo, e.acervo.AcervoTags);
+  const PedacosTexto& tag = e.cacheTags.DoSlot(slot, f.campo, e.acervo().AcervoTags);
   for (const Pedaco& p : tag.Pedacos())
     if (f.valor.ContemPedaco(tag.Vista(p), p.numero)) return true;
   return false;
@@ -92,7 +92,7 @@ FiltroPreparado FiltroParaLaco(Estado& e, std::u16string_view filtro) { return P
 bool ConferirTagArtista(Estado& e, const FiltroPreparado& f, long slot) {
   if (f.aceitaTudo) return true;
   if (f.campo == kCampoDesconhecido) return false;
-  const PedacosTexto& tag = e.cacheTags.DoSlot(slot, f.campo, e.acervo.AcervoTags);
+  const PedacosTexto& tag = e.cacheTags.DoSlot(slot, f.campo, e.acervo().AcervoTags);
   return CompararPreparados(tag, f.valor, e.selecao.ModoComparacaoArtista, true);
 }
 
@@ -114,8 +114,8 @@ bool CompararArtistasSemExcecao(Estado& e, std::u16string_view a, std::u16string
 }
 
 bool CompararArtistasSlots(Estado& e, long slotA, long slotB, int16_t campo) {
-  const PedacosTexto& pa = e.cacheTags.DoSlot(slotA, campo, e.acervo.AcervoTags);
-  const PedacosTexto& pb = e.cacheTags.DoSlot(slotB, campo, e.acervo.AcervoTags);
+  const PedacosTexto& pa = e.cacheTags.DoSlot(slotA, campo, e.acervo().AcervoTags);
+  const PedacosTexto& pb = e.cacheTags.DoSlot(slotB, campo, e.acervo().AcervoTags);
   return CompararPreparados(pa, pb, e.selecao.ModoComparacaoArtista, true);
 }
 
@@ -137,7 +137,7 @@ ValoresOuvidos::ValoresOuvidos(size_t musicas) {
 
 void ValoresOuvidos::Adicionar(Estado& e, int16_t campo, long slot) {
   if (slot >= kUltimoSlot) return;  // the last slot never shares a value
-  const PedacosTexto& p = e.cacheTags.DoSlot(slot, campo, e.acervo.AcervoTags);
+  const PedacosTexto& p = e.cacheTags.DoSlot(slot, campo, e.acervo().AcervoTags);
   if (p.Original().empty()) return;  // two empty values never match, and an empty one has no pieces
   inteiros_.insert(p.Maiusculo());
   // Every piece of the heard song counts, "POP" included: the exception is for the candidate's.
@@ -146,7 +146,7 @@ void ValoresOuvidos::Adicionar(Estado& e, int16_t campo, long slot) {
 
 bool ValoresOuvidos::Compartilha(Estado& e, int16_t campo, long slot) const {
   if (slot >= kUltimoSlot || inteiros_.empty()) return false;
-  const PedacosTexto& p = e.cacheTags.DoSlot(slot, campo, e.acervo.AcervoTags);
+  const PedacosTexto& p = e.cacheTags.DoSlot(slot, campo, e.acervo().AcervoTags);
   if (p.Original().empty()) return false;
   if (inteiros_.contains(p.Maiusculo())) return true;
   for (const Pedaco& q : p.Pedacos()) {

@@ -9,7 +9,7 @@
 #include <unordered_set>
 
 #include "base/texto.h"
-#include "engine/estado.h"
+#include "state/estado.h"
 
 namespace lumavox {
 

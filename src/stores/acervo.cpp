@@ -2,7 +2,7 @@
 
 #include "base/arquivos.h"
 #include "base/numeros.h"
-#include "rules/ritmo.h"
+#include "stores/ritmo.h"
 #include "stores/codec.h"
 
 namespace lumavox {
@@ -26,7 +26,6 @@ std::string NomeArquivoMusica(int32_t codigo) { return FormatarZeros(codigo, 7) 
 void CarregarColecao(Acervo& acervo, const fs::path& pasta,
                      const std::function<void(long slot)>& aposLinha) {
   const fs::path pastaMre = acervo.CaminhoApp / "mre";
-  acervo.CodigosAlterados();
   long s = 0;
   int k = 0;
   ParaCadaLinhaCodificada(pasta / "lxdb.rdb", [&](Texto&& texto) {

@@ -9,7 +9,6 @@
 #include <filesystem>
 #include <functional>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 
 #include "base/texto.h"
@@ -33,13 +32,6 @@ constexpr long kCampoGeneroSub = 27;
 // Field names in file order; field 3 has none (no filter can name it).
 extern const std::array<std::u16string_view, kCampos> kNomesCampos;
 
-// First slot of each code over all 4001 slots, stale ones included; rebuilt on demand when the
-// codes changed (VersaoCodigos moved on).
-struct IndiceCodigos {
-  uint64_t versao = ~0ull;
-  std::unordered_map<int32_t, int16_t> primeiroSlot;
-};
-
 // The tag texts of the collection, slot by field. Reading is open to all; every write goes
 // through Definir, which gives the table a version never used before in the process, so a
 // prepared form of a tag that saw this version knows the text is still the same without
@@ -62,11 +54,6 @@ class TagsAcervo {
 
 struct Acervo {
   Vetor<int32_t, 0, kUltimoSlot> AcervoCodigos;
-  // Moves on whenever AcervoCodigos is written (the load does it; code that writes codes by hand
-  // calls CodigosAlterados) so the code index knows to rebuild.
-  uint64_t VersaoCodigos = 0;
-  void CodigosAlterados() { ++VersaoCodigos; }
-  IndiceCodigos indiceCodigos;
   // Fields 0..31 as read; field 32 holds the vibe as text ("5,5"), its number in AcervoVibe.
   TagsAcervo AcervoTags;
   Vetor<double, 0, kUltimoSlot> AcervoVibe;

@@ -16,11 +16,6 @@ constexpr long kUltimaPosicao = 4000;
 constexpr long kDatasTipo5 = 10;
 
 struct Historico {
-  // Moves on whenever the plays or marks change (a load, a chosen song, the compaction, a test
-  // filling them by hand), so indexes over the history know to rebuild.
-  uint64_t Versao = 0;
-  void Alterado() { ++Versao; }
-
   Vetor<int32_t, kPrimeiraPosicao, kUltimaPosicao> HistoricoCodigos;
   Vetor<DataHora, kPrimeiraPosicao, kUltimaPosicao> HistoricoDatas;
   int16_t TotalTocadas = 0;

@@ -12,42 +12,32 @@ EstadoTeste::EstadoTeste(DataHora agora, uint32_t semente)
 }
 
 EstadoTeste& EstadoTeste::Musica(int32_t codigo, std::initializer_list<std::pair<int, std::string>> tags) {
-  Acervo& a = estado_->acervo;
-  const long s = a.TotalMusicas;
-  a.AcervoCodigos[s] = codigo;
-  a.CodigosAlterados();
-  for (long c = 0; c < kCampoVibe; ++c) a.AcervoTags.Definir(s, c, Texto());
-  for (const auto& [campo, valor] : tags) a.AcervoTags.Definir(s, campo, DeUtf8(valor));
-  a.AcervoVibe[s] = CalcularVibe(a, s);
-  a.AcervoTags.Definir(s, kCampoVibe, FormatarNumero(a.AcervoVibe[s]));
-  ++a.TotalMusicas;
+  estado_->CarregarAcervo([&](Acervo& a) {
+    const long s = a.TotalMusicas;
+    a.AcervoCodigos[s] = codigo;
+    for (long c = 0; c < kCampoVibe; ++c) a.AcervoTags.Definir(s, c, Texto());
+    for (const auto& [campo, valor] : tags) a.AcervoTags.Definir(s, campo, DeUtf8(valor));
+    a.AcervoVibe[s] = CalcularVibe(a, s);
+    a.AcervoTags.Definir(s, kCampoVibe, FormatarNumero(a.AcervoVibe[s]));
+    ++a.TotalMusicas;
+  });
   return *this;
 }
 
 EstadoTeste& EstadoTeste::Tocadas(std::initializer_list<int32_t> codigos) {
-  Historico& h = estado_->historico;
   const DataHora agora = estado_->selecao.DataHoraReferencia;
   long n = static_cast<long>(codigos.size());
-  for (int32_t c : codigos) {
-    h.HistoricoCodigos[h.TotalTocadas] = c;
-    h.HistoricoDatas[h.TotalTocadas] = SomarSegundos(agora, -60 * n--);
-    ++h.TotalTocadas;
-  }
-  h.Alterado();
+  for (int32_t c : codigos) estado_->AdicionarTocada(c, SomarSegundos(agora, -60 * n--));
   return *this;
 }
 
 EstadoTeste& EstadoTeste::TocadaEm(int32_t codigo, DataHora quando) {
-  Historico& h = estado_->historico;
-  h.HistoricoCodigos[h.TotalTocadas] = codigo;
-  h.HistoricoDatas[h.TotalTocadas] = quando;
-  ++h.TotalTocadas;
-  h.Alterado();
+  estado_->AdicionarTocada(codigo, quando);
   return *this;
 }
 
 EstadoTeste& EstadoTeste::TodasCandidatas() {
-  for (long i = 0; i < estado_->acervo.TotalMusicas; ++i) {
+  for (long i = 0; i < estado_->acervo().TotalMusicas; ++i) {
     estado_->selecao.MusicaCandidata[i] = true;
     estado_->selecao.MusicaMantida[i] = true;
   }
@@ -75,16 +65,16 @@ EstadoTeste& EstadoTeste::RegraAtual(std::string id, std::vector<std::string> va
 
 std::vector<int32_t> EstadoTeste::Mantidas() {
   std::vector<int32_t> codigos;
-  for (long i = 0; i < estado_->acervo.TotalMusicas; ++i)
+  for (long i = 0; i < estado_->acervo().TotalMusicas; ++i)
     if (estado_->selecao.MusicaCandidata[i] && estado_->selecao.MusicaMantida[i])
-      codigos.push_back(estado_->acervo.AcervoCodigos[i]);
+      codigos.push_back(estado_->acervo().AcervoCodigos[i]);
   return codigos;
 }
 
 std::vector<int32_t> EstadoTeste::Candidatas() {
   std::vector<int32_t> codigos;
-  for (long i = 0; i < estado_->acervo.TotalMusicas; ++i)
-    if (estado_->selecao.MusicaCandidata[i]) codigos.push_back(estado_->acervo.AcervoCodigos[i]);
+  for (long i = 0; i < estado_->acervo().TotalMusicas; ++i)
+    if (estado_->selecao.MusicaCandidata[i]) codigos.push_back(estado_->acervo().AcervoCodigos[i]);
   return codigos;
 }
 

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "base/ambiente.h"
-#include "engine/estado.h"
+#include "state/estado.h"
 
 namespace lumavox::teste {
 

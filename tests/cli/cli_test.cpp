@@ -135,8 +135,8 @@ TEST(CliTocar, TocadorSimuladoRegistraAsTocadasNoBanco) {
   Motor motor(estacao.Pasta(), ambiente);
   InstalarHistorico(motor);
   motor.Iniciar();
-  EXPECT_EQ(motor.E().historico.HistoricoCodigos[-1], codigo);
-  EXPECT_EQ(motor.E().historico.HistoricoDatas[-1].segundos / 86400,
+  EXPECT_EQ(motor.E().historico().HistoricoCodigos[-1], codigo);
+  EXPECT_EQ(motor.E().historico().HistoricoDatas[-1].segundos / 86400,
             MontarDataHora(2026, 11, 22, 15, 0, 0).segundos / 86400);
 }
 

@@ -66,10 +66,10 @@ class Importar : public ::testing::Test {
     motor->Iniciar();
     EXPECT_FALSE(motor->UltimoErro()) << *motor->UltimoErro();
     std::map<int32_t, long> slots;
-    for (long s = 0; s < motor->E().acervo.TotalMusicas; ++s) slots[motor->E().acervo.AcervoCodigos[s]] = s;
+    for (long s = 0; s < motor->E().acervo().TotalMusicas; ++s) slots[motor->E().acervo().AcervoCodigos[s]] = s;
     return slots;
   }
-  std::string Tag(long slot, long campo) { return ParaUtf8(motor->E().acervo.AcervoTags(slot, campo)); }
+  std::string Tag(long slot, long campo) { return ParaUtf8(motor->E().acervo().AcervoTags(slot, campo)); }
   nlohmann::json Mapa() { return nlohmann::json::parse(estacao.Ler("importados.json"))["arquivos"]; }
 
   EstacaoTeste musicas, estacao;

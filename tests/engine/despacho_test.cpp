@@ -5,7 +5,7 @@
 #include "apoio/estado_teste.h"
 #include "base/erro.h"
 #include "engine/despacho.h"
-#include "engine/log.h"
+#include "engine/registro.h"
 
 namespace lumavox {
 namespace {

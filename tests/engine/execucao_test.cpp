@@ -52,8 +52,8 @@ TEST_F(ExecucaoTeste, PrimeiraChamadaLimpaEEncheAFilaComDuasEntregas) {
   EXPECT_EQ(estacao.Ler(*s1.lre).substr(0, std::to_string(s1.escolhida).size()), std::to_string(s1.escolhida));
   EXPECT_NE(r.selecoes[1].escolhida % 3, 0);  // rule 34 keeps Rock away right after a Rock song
   EXPECT_EQ(Fila().size(), 2u);
-  EXPECT_EQ(motor->E().historico.TotalTocadas, 2);
-  EXPECT_EQ(motor->E().historico.HistoricoCodigos[0], s1.escolhida);
+  EXPECT_EQ(motor->E().historico().TotalTocadas, 2);
+  EXPECT_EQ(motor->E().historico().HistoricoCodigos[0], s1.escolhida);
   EXPECT_EQ(ambiente.EsperadoMs(), 1600);
 
   // The inactive rule is skipped but still counted.
@@ -127,16 +127,17 @@ TEST_F(ExecucaoTeste, PastaTempInutilizavelNaoImpedeAFila) {
 }
 
 TEST(ChecarMusicasTocadas, CompactaSoAcimaDe3500) {
-  auto h = std::make_unique<Historico>();
-  for (long i = 0; i < 3501; ++i) h->HistoricoCodigos[i] = static_cast<int32_t>(i + 1);
-  h->TotalTocadas = 3500;
-  ChecarMusicasTocadas(*h);
-  EXPECT_EQ(h->TotalTocadas, 3500);
-  h->TotalTocadas = 3501;
-  ChecarMusicasTocadas(*h);
-  EXPECT_EQ(h->TotalTocadas, 501);
-  EXPECT_EQ(h->HistoricoCodigos[-500], 2501);
-  EXPECT_EQ(h->HistoricoCodigos[500], 3501);
+  auto e = std::make_unique<Estado>();
+  for (long i = 0; i < 3500; ++i) e->AdicionarTocada(static_cast<int32_t>(i + 1), DataHora{});
+  e->ChecarMusicasTocadas();
+  EXPECT_EQ(e->historico().TotalTocadas, 3500);
+  e->AdicionarTocada(3501, DataHora{});
+  EXPECT_EQ(e->IndiceDoHistorico().PrimeiraDoCodigo(2501), 2500);
+  e->ChecarMusicasTocadas();
+  EXPECT_EQ(e->historico().TotalTocadas, 501);
+  EXPECT_EQ(e->historico().HistoricoCodigos[-500], 2501);
+  EXPECT_EQ(e->historico().HistoricoCodigos[500], 3501);
+  EXPECT_EQ(e->IndiceDoHistorico().PrimeiraDoCodigo(2501), -500);  // the index followed the move
 }
 
 }  // namespace

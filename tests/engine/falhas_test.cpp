@@ -274,7 +274,7 @@ TEST_F(Falhas, MidiaApagadaEntreACargaEACopia) {
 
   // The next load drops the song: forcing it then leaves the draw alone.
   TocarAteRecarregar();
-  EXPECT_EQ(motor->E().acervo.TotalMusicas, 59);
+  EXPECT_EQ(motor->E().acervo().TotalMusicas, 59);
   Tocar();
   motor->E().execucao.MusicaForcada = 7;
   const ResultadoExecucao depois = motor->TestarRegras();
@@ -297,7 +297,7 @@ TEST_P(FalhasBanco, HistoricoFicaComoEstavaEAEscolhaSegue) {
     banco.Registrar(tocadas);
   }
   Montar();
-  const Historico& h = motor->E().historico;
+  const Historico& h = motor->E().historico();
   ASSERT_EQ(h.HistoricoCodigos[-1], 1 + 399 % 60);
   const std::string bom = estacao.Ler("lumavox.db");
 
@@ -395,7 +395,7 @@ TEST_F(Falhas, RelogioVoltaUmaHoraEPassaDaMeiaNoite) {
       const ResultadoExecucao r = motor->TestarRegras();
       ASSERT_EQ(r.selecoes.size(), 1u) << FormatarIso(p.agora);
       EXPECT_EQ(Fila().size(), 2u);
-      EXPECT_EQ(motor->E().acervo.PastaDados == noite, p.deNoite) << FormatarIso(p.agora);
+      EXPECT_EQ(motor->E().acervo().PastaDados == noite, p.deNoite) << FormatarIso(p.agora);
       for (const NoLog& no : motor->E().log.Selecoes().back().filhos)
         EXPECT_NE(no.tipo, TipoLog::Erro) << ParaUtf8(no.texto);
     }

@@ -54,7 +54,7 @@ TEST_F(MotorCarga, CargaCompletaGravaNregCarregaRegrasELimpaAgenda) {
   motor.E().agenda.TabelasNumero[2] = 7;
   motor.E().agenda.TabelasGrade(1, 300, 5) = u"Genero:Rock";
   DefinirAcervo();
-  EXPECT_EQ(motor.E().acervo.TotalMusicas, 3);
+  EXPECT_EQ(motor.E().acervo().TotalMusicas, 3);
   EXPECT_EQ(estacao.Ler("nreg.rer"), "3\n");
   EXPECT_EQ(Regras(), (std::array<int16_t, 3>{1, 0, 2}));
   EXPECT_EQ(motor.E().agenda.TabelasNumero[2], 0);
@@ -72,7 +72,7 @@ TEST_F(MotorCarga, FalhaParaACargaAntesDasEtapasSeguintes) {
   estacao.GravarTexto("lxdb.rdb", EstacaoTeste::Codificada("x") + "\n");
   estacao.Regra(0, true, "01").Regra(0, true, "02").GravarRegras();
   EXPECT_THROW(DefinirAcervo(), ErroExecucao);
-  EXPECT_EQ(motor.E().acervo.TotalMusicas, 3);
+  EXPECT_EQ(motor.E().acervo().TotalMusicas, 3);
   EXPECT_FALSE(estacao.Existe("nreg.rer"));
   EXPECT_EQ(Regras(), (std::array<int16_t, 3>{1, 0, 2}));
 
@@ -80,7 +80,7 @@ TEST_F(MotorCarga, FalhaParaACargaAntesDasEtapasSeguintes) {
   estacao.Musica(4).GravarAcervo();
   std::filesystem::remove(estacao.Caminho("lxie1.rdb"));
   EXPECT_THROW(DefinirAcervo(), ErroExecucao);
-  EXPECT_EQ(motor.E().acervo.TotalMusicas, 1);
+  EXPECT_EQ(motor.E().acervo().TotalMusicas, 1);
   EXPECT_EQ(Regras(), (std::array<int16_t, 3>{2, 0, 2}));
   EXPECT_EQ(historicos, 1);
 }
@@ -99,7 +99,7 @@ TEST_F(MotorCarga, InicioComDebugRed) {
 TEST_F(MotorCarga, PlaylistUnicaRecarregaNaSextaVerificacao) {
   motor.Iniciar();
   EXPECT_EQ(motor.E().playlists.TotalPlaylists, 1);
-  EXPECT_EQ(motor.E().acervo.PastaDados, estacao.Pasta());
+  EXPECT_EQ(motor.E().acervo().PastaDados, estacao.Pasta());
   ASSERT_EQ(historicos, 1);
   for (int rodada = 2; rodada <= 3; ++rodada) {
     for (int i = 1; i <= 5; ++i) Verificar();
@@ -117,11 +117,11 @@ TEST_F(MotorCarga, TrocaDeFaixaRecarregaNaHoraEReiniciaAContagem) {
   estacao.GravarRegras("tarde");
   estacao.GravarTexto("pl.rdb", "08:00:00 11:59:59 manha\n12:00:00 18:00:00 tarde\n");
   motor.Iniciar();
-  EXPECT_EQ(motor.E().acervo.PastaDados, estacao.Pasta() / "manha");
+  EXPECT_EQ(motor.E().acervo().PastaDados, estacao.Pasta() / "manha");
 
   Verificar(13);
   EXPECT_EQ(historicos, 2);
-  EXPECT_EQ(motor.E().acervo.TotalMusicas, 2);
+  EXPECT_EQ(motor.E().acervo().TotalMusicas, 2);
   for (int i = 1; i <= 6; ++i) Verificar(13);
   EXPECT_EQ(historicos, 3);
 }
@@ -135,7 +135,7 @@ TEST_F(MotorCarga, CargaQueFalhaETentadaDeNovoACadaVerificacao) {
   EXPECT_EQ(motor.E().ContagemRecarga, INT16_MIN);
   estacao.Musica(5).GravarAcervo();
   Verificar();
-  EXPECT_EQ(motor.E().acervo.TotalMusicas, 1);
+  EXPECT_EQ(motor.E().acervo().TotalMusicas, 1);
   EXPECT_EQ(motor.E().ContagemRecarga, 5);
 }
 

@@ -7,7 +7,7 @@
 #include "base/numeros.h"
 #include "base/texto.h"
 #include "engine/despacho.h"
-#include "engine/estado.h"
+#include "state/estado.h"
 #include "fuzz_apoio.h"
 
 using namespace lumavox;

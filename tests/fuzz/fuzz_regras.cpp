@@ -29,7 +29,7 @@ struct Bancada {
     motor = std::make_unique<Motor>(pasta, ambiente);
     motor->DefinirOrigemHistorico(std::make_unique<OrigemHistoricoBanco>(pasta));
     motor->Iniciar();
-    if (motor->E().acervo.TotalMusicas != 120) fuzz::Falha("estação de demonstração não carregou");
+    if (motor->E().acervo().TotalMusicas != 120) fuzz::Falha("estação de demonstração não carregou");
   }
 };
 
@@ -53,7 +53,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* dados, size_t tamanho) {
     return 0;
   }
 
-  const long total = e.acervo.TotalMusicas;
+  const long total = e.acervo().TotalMusicas;
   Selecao& s = e.selecao;
   for (long i = 0; i < total; ++i) s.MusicaCandidata[i] = true;
   s.MusicasExcluidas = 0;

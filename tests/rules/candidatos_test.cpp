@@ -37,8 +37,7 @@ TEST(LocalizarMusica, PrimeiroSlotEQuatroMilParaAusente) {
   EXPECT_EQ(LocalizarMusica(t.E(), 66), 1);
   EXPECT_EQ(LocalizarMusica(t.E(), 77), kSlotAusente);
   // A stale slot past the collection still counts, and code 0 fills every unused slot.
-  t->acervo.AcervoCodigos[4000] = 77;
-  t->acervo.CodigosAlterados();
+  t->CarregarAcervo([](Acervo& a) { a.AcervoCodigos[4000] = 77; });
   EXPECT_EQ(LocalizarMusica(t.E(), 77), 4000);
   EXPECT_EQ(LocalizarMusica(t.E(), 0), 3);
   t.Tocadas({66});
@@ -50,8 +49,10 @@ TEST(LocalizarMusica, PrimeiroSlotEQuatroMilParaAusente) {
 TEST(MinutosDesdeTocada, DaTocadaAteAReferenciaDasRegras) {
   EstadoTeste t;  // the clock says 10:00; the rules' reference is a minute later
   t->selecao.DataHoraReferencia = MontarDataHora(2026, 11, 22, 10, 1, 0);
-  t->historico.HistoricoDatas[1] = MontarDataHora(2026, 11, 21, 22, 30, 0);
-  t->historico.HistoricoDatas[2] = MontarDataHora(2026, 11, 22, 11, 0, 0);
+  t->SubstituirHistorico([](Historico& h) {
+    h.HistoricoDatas[1] = MontarDataHora(2026, 11, 21, 22, 30, 0);
+    h.HistoricoDatas[2] = MontarDataHora(2026, 11, 22, 11, 0, 0);
+  });
   EXPECT_EQ(MinutosDesdeTocada(t.E(), 1), 11 * 60 + 31);
   EXPECT_EQ(MinutosDesdeTocada(t.E(), 2), -59);
 }

@@ -50,11 +50,12 @@ TEST(Regra02, NaoRepeteOValorDentroDasHorasESimSoRepete) {
   EXPECT_EQ(R02({"Não", "Artista:Geral*", ""}, 3).size(), 4u);
 
   // Database plays count down to position -500; the table passes no hours of its own.
-  t->historico.HistoricoCodigos[-500] = 3;
-  t->historico.HistoricoDatas[-500] = Dia(22, 9);
-  t->historico.HistoricoCodigos[-501] = 4;
-  t->historico.HistoricoDatas[-501] = Dia(22, 9);
-  t->historico.Alterado();
+  t->SubstituirHistorico([](Historico& h) {
+    h.HistoricoCodigos[-500] = 3;
+    h.HistoricoDatas[-500] = Dia(22, 9);
+    h.HistoricoCodigos[-501] = 4;
+    h.HistoricoDatas[-501] = Dia(22, 9);
+  });
   t.TodasCandidatas().Regra(0, 0, "02", {"Não", "Artista:Geral*", "3"});
   EXPECT_TRUE(AplicarRegra(t.E(), true, 0, 50));
   EXPECT_EQ(t.Candidatas(), (Codigos{4}));
@@ -130,9 +131,10 @@ TEST(Regra05, TocadasSaemENotasNoveEDezTemMeiaChance) {
   EXPECT_EQ(t.Amb().Aleatorio(), gemeo.Aleatorio());  // no survivor: no second chance
   EstadoTeste u;
   u.Musica(1).Musica(2).Musica(3);
-  u->historico.HistoricoCodigos[-500] = 1;
-  u->historico.HistoricoCodigos[-501] = 2;
-  u->historico.Alterado();
+  u->SubstituirHistorico([](Historico& h) {
+    h.HistoricoCodigos[-500] = 1;
+    h.HistoricoCodigos[-501] = 2;
+  });
   EXPECT_EQ(Aplicar(u, Regra05, "05", {}), (Codigos{2, 3}));
   u.Tocadas({3});
   EXPECT_EQ(Aplicar(u, Regra05, "05", {}), (Codigos{2}));
@@ -209,8 +211,7 @@ TEST(Regra26, VariacaoMaximaDoValorDeRitmoDaUltima) {
 TEST(IndiceHistorico, HistoricoAlemDaUltimaPosicaoEncerraARegra) {
   EstadoTeste t;
   t.Musica(1).Musica(2);
-  t->historico.TotalTocadas = 4002;
-  t->historico.Alterado();
+  t->SubstituirHistorico([](Historico& h) { h.TotalTocadas = 4002; });
   EXPECT_THROW(Aplicar(t, Regra05, "05", {}), ErroExecucao);
   EXPECT_THROW(Aplicar(t, Regra06, "06", {"1", "1"}), ErroExecucao);
   EXPECT_THROW(Aplicar(t, Regra13, "13", {"1"}), ErroExecucao);

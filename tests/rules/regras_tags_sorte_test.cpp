@@ -145,7 +145,7 @@ TEST(Regra25, SlotsDeQuatroMinutosOuPosicaoModulo359ENumeroDesconhecidoUsaOLugar
     return x.Aplicar(Regra25, "25", {tabela, "0"});
   };
   auto Posicao = [&](int16_t tocadas) {
-    x.t->historico.TotalTocadas = tocadas;
+    x.t->SubstituirHistorico([&](Historico& h) { h.TotalTocadas = tocadas; });
     return x.Aplicar(Regra25, "25", {"7", "1"});
   };
   EXPECT_EQ(As(0, 3, 59), (Codigos{1, 2}));
@@ -176,9 +176,10 @@ TEST(Regra28, ChanceDeTocarOuEvitarOTag) {
 TEST(Regra29e30, MarcasDoBancoPorChance) {
   Teste x;
   x.t.Musica(1).Musica(2).Musica(3);
-  Historico& h = x.t->historico;
-  h.HistoricoTipo4[0] = true;
-  h.HistoricoTipo5(1, 9) = true;  // a single, old mark
+  x.t->SubstituirHistorico([](Historico& h) {
+    h.HistoricoTipo4[0] = true;
+    h.HistoricoTipo5(1, 9) = true;  // a single, old mark
+  });
   x.sorteio.valor = kSorteio100;
   EXPECT_EQ(x.Aplicar(Regra29, "29", {"100"}), (Codigos{1}));
   EXPECT_EQ(x.Aplicar(Regra30, "30", {"100"}), (Codigos{1, 3}));
@@ -192,15 +193,16 @@ TEST(Regra29e30, MarcasDoBancoPorChance) {
 
 TEST(Regra31, QuarentenaPorHoraDoDiaComLimitesEstritos) {
   Teste x(MontarDataHora(2026, 11, 22, 14, 0, 0));
-  Historico& h = x.t->historico;
   const int horas[][2] = {{12, 30}, {17, 0}, {11, 0}, {18, 0}, {22, 30}};
-  for (int i = 0; i < 5; ++i) {
-    x.t.Musica(i + 1);
-    h.HistoricoTipo5(i, 0) = true;
-    h.HistoricoTipo5Datas(i, 0) = MontarDataHora(2025, 3, 1 + i, horas[i][0], horas[i][1], 0);
-  }
-  h.HistoricoTipo5(4, 1) = true;  // a later cell inside the span counts as well
-  h.HistoricoTipo5Datas(4, 1) = MontarDataHora(2026, 1, 1, 15, 0, 0);
+  for (int i = 0; i < 5; ++i) x.t.Musica(i + 1);
+  x.t->SubstituirHistorico([&](Historico& h) {
+    for (int i = 0; i < 5; ++i) {
+      h.HistoricoTipo5(i, 0) = true;
+      h.HistoricoTipo5Datas(i, 0) = MontarDataHora(2025, 3, 1 + i, horas[i][0], horas[i][1], 0);
+    }
+    h.HistoricoTipo5(4, 1) = true;  // a later cell inside the span counts as well
+    h.HistoricoTipo5Datas(4, 1) = MontarDataHora(2026, 1, 1, 15, 0, 0);
+  });
   x.t.Musica(6);
   EXPECT_EQ(x.Aplicar(Regra31, "31", {"3"}), (Codigos{2, 3, 4, 6}));
   EXPECT_EQ(x.Aplicar(Regra31, "31", {"0"}).size(), 6u);

@@ -19,8 +19,10 @@ class Tags : public ::testing::Test {
   std::unique_ptr<Estado> e = std::make_unique<Estado>();
 
   void Tag(long slot, int16_t campo, std::u16string_view valor) {
-    e->acervo.AcervoTags.Definir(slot, campo, Texto(valor));
-    if (slot >= e->acervo.TotalMusicas) e->acervo.TotalMusicas = static_cast<int16_t>(slot + 1);
+    e->CarregarAcervo([&](Acervo& a) {
+      a.AcervoTags.Definir(slot, campo, Texto(valor));
+      if (slot >= a.TotalMusicas) a.TotalMusicas = static_cast<int16_t>(slot + 1);
+    });
   }
   bool Confere(std::u16string_view filtro, int16_t campo, std::u16string_view tag) {
     Tag(0, campo, tag);
@@ -174,7 +176,7 @@ TEST_F(Tags, CacheAcompanhaTagsReescritas) {
     auto novo = std::make_unique<Estado>();
     for (long i = 0; i < 8; ++i) {
       Tag(i, campo, textos[(i + 3) % 8]);
-      novo->acervo.AcervoTags.Definir(i, campo, Texto(textos[(i + 3) % 8]));
+      novo->CarregarAcervo([&](Acervo& a) { a.AcervoTags.Definir(i, campo, Texto(textos[(i + 3) % 8])); });
     }
     for (long a = 0; a < 8; ++a) {
       EXPECT_EQ(ConferirTag(*e, filtro, a), ConferirTag(*novo, filtro, a)) << a;
@@ -191,12 +193,12 @@ TEST_F(Tags, CacheAcompanhaTagsReescritas) {
   EXPECT_FALSE(ConferirTag(*e, u"Genero:Rock", 0));
 
   // A whole tag table put in place of another, written or not since they parted, is read anew.
-  const TagsAcervo antes = e->acervo.AcervoTags;
+  const TagsAcervo antes = e->acervo().AcervoTags;
   Tag(0, kGenero, u"Rock");
   EXPECT_TRUE(ConferirTag(*e, u"Genero:Rock", 0));
-  e->acervo.AcervoTags = antes;
+  e->CarregarAcervo([&](Acervo& a) { a.AcervoTags = antes; });
   EXPECT_FALSE(ConferirTag(*e, u"Genero:Rock", 0));
-  e->acervo.AcervoTags = TagsAcervo();
+  e->CarregarAcervo([](Acervo& a) { a.AcervoTags = TagsAcervo(); });
   EXPECT_FALSE(ConferirTag(*e, u"Genero:Punk", 0));
   EXPECT_THROW(ConferirTag(*e, u"Genero:Punk", 4001), ErroExecucao);
 }
@@ -234,7 +236,7 @@ TEST_F(Tags, ValoresOuvidosIgualAMesmoValorTagComCadaUm) {
         for (long s : grupo) esperado = esperado || MesmoValorTag(*e, campo, i, s);
         ASSERT_EQ(ouvidos.Compartilha(*e, campo, i), esperado)
             << "campo " << campo << " rodada " << rodada << " slot " << i << ": \""
-            << ParaUtf8(e->acervo.AcervoTags(i, campo)) << "\"";
+            << ParaUtf8(e->acervo().AcervoTags(i, campo)) << "\"";
       }
     }
   }

@@ -158,8 +158,8 @@ class Soak {
     if (Chance(10)) EscreverBytes(op_.pasta / "ritmo.rer", std::to_string(std::uniform_int_distribution<int>(0, 100)(g_)) + "\r\n");
     if (Chance(6)) EscreverBytes(op_.pasta / "avancar.rer", "1\r\n");
     int32_t forcada = 0;
-    if (Chance(4) && e.acervo.TotalMusicas > 0) {
-      forcada = Chance(80) ? e.acervo.AcervoCodigos[std::uniform_int_distribution<long>(0, e.acervo.TotalMusicas - 1)(g_)] : 999999;
+    if (Chance(4) && e.acervo().TotalMusicas > 0) {
+      forcada = Chance(80) ? e.acervo().AcervoCodigos[std::uniform_int_distribution<long>(0, e.acervo().TotalMusicas - 1)(g_)] : 999999;
       e.execucao.MusicaForcada = forcada;
     }
     if (Chance(2)) {
@@ -169,7 +169,7 @@ class Soak {
     }
 
     const ResultadoExecucao r = motor_->TestarRegras();
-    const long total = e.acervo.TotalMusicas;
+    const long total = e.acervo().TotalMusicas;
     for (size_t i = 0; i < r.selecoes.size(); ++i) {
       ++totalSelecoes_;
       Conferir(r.selecoes[i], i == 0 ? forcada : 0);
@@ -188,11 +188,11 @@ class Soak {
     return static_cast<long>(r.selecoes.size());
   }
 
-  bool PastaDadosNoite() const { return motor_->E().acervo.PastaDados.filename() == "madrugada"; }
+  bool PastaDadosNoite() const { return motor_->E().acervo().PastaDados.filename() == "madrugada"; }
 
   void Conferir(const SelecaoFeita& s, int32_t forcada) {
     Estado& e = motor_->E();
-    if (e.acervo.TotalMusicas >= 51 && !s.lre) Falha("nenhum arquivo de fila para " + std::to_string(s.escolhida));
+    if (e.acervo().TotalMusicas >= 51 && !s.lre) Falha("nenhum arquivo de fila para " + std::to_string(s.escolhida));
     if (!s.mrt) Falha("nenhuma mídia para " + std::to_string(s.escolhida));
     if (s.lre && ArquivoExiste(op_.pasta / *s.lre) && s.mrt) {
       const std::string mre = LerBytes(op_.pasta / "mre" / NomeArquivoMusica(s.escolhida));
@@ -202,7 +202,7 @@ class Soak {
       ++midiasConferidas_;
     }
     bool noAcervo = false;
-    for (long i = 0; i < e.acervo.TotalMusicas && !noAcervo; ++i) noAcervo = e.acervo.AcervoCodigos[i] == forcada;
+    for (long i = 0; i < e.acervo().TotalMusicas && !noAcervo; ++i) noAcervo = e.acervo().AcervoCodigos[i] == forcada;
     if (forcada && noAcervo) {
       if (s.escolhida != forcada) Falha("a música forçada " + std::to_string(forcada) + " não foi escolhida");
       ++forcadas_;
@@ -243,8 +243,8 @@ class Soak {
     banco_->Registrar(RegistroLog{codigo, ambiente_.Agora(), 0});
     Estado& e = motor_->E();
     int64_t duracao = 180;
-    for (long i = 0; i < e.acervo.TotalMusicas; ++i)
-      if (e.acervo.AcervoCodigos[i] == codigo) duracao = static_cast<int64_t>(ValorNumerico(e.acervo.AcervoTags(i, 17)));
+    for (long i = 0; i < e.acervo().TotalMusicas; ++i)
+      if (e.acervo().AcervoCodigos[i] == codigo) duracao = static_cast<int64_t>(ValorNumerico(e.acervo().AcervoTags(i, 17)));
     ambiente_.DefinirAgora(SomarSegundos(ambiente_.Agora(), std::clamp<int64_t>(duracao, 30, 900)));
   }
 

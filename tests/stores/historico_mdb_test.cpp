@@ -44,11 +44,13 @@ TEST_F(TabelaJet, SemTabelaLogsParaNaPrimeiraConsulta) {
   teste::EstacaoTeste estacao;
   fs::copy_file(kDateTest, estacao.Caminho(kArquivoLogsMdb));
   teste::EstadoTeste estado;
-  estado->historico.HistoricoCodigos[-1] = 5;
-  estado->historico.HistoricoTipo4[0] = true;
-  OrigemHistoricoBanco(estacao.Pasta()).CarregarMusicasTocadas(estado->historico, estado->acervo);
-  EXPECT_EQ(estado->historico.HistoricoCodigos[-1], 0);
-  EXPECT_TRUE(estado->historico.HistoricoTipo4[0]);
+  estado->SubstituirHistorico([&](Historico& h) {
+    h.HistoricoCodigos[-1] = 5;
+    h.HistoricoTipo4[0] = true;
+    OrigemHistoricoBanco(estacao.Pasta()).CarregarMusicasTocadas(h, estado->acervo());
+  });
+  EXPECT_EQ(estado->historico().HistoricoCodigos[-1], 0);
+  EXPECT_TRUE(estado->historico().HistoricoTipo4[0]);
 }
 
 TEST(ArquivoJet, ArquivoQueNaoEJetNaoAbre) {

@@ -29,18 +29,25 @@ class CargaHistorico : public ::testing::Test {
  protected:
   CargaHistorico() {
     estado.Musica(101).Musica(102).Musica(103);
-    Historico& h = H();
-    for (long p = -501; p <= 0; ++p) {
-      h.HistoricoCodigos[p] = 7;
-      h.HistoricoDatas[p] = kAntiga;
-    }
-    h.HistoricoTipo4[1] = true;
-    h.HistoricoTipo5(1, 0) = true;
-    h.HistoricoTipo5Datas(1, 0) = kAntiga;
+    estado->SubstituirHistorico([](Historico& h) {
+      for (long p = -501; p <= 0; ++p) {
+        h.HistoricoCodigos[p] = 7;
+        h.HistoricoDatas[p] = kAntiga;
+      }
+      h.HistoricoTipo4[1] = true;
+      h.HistoricoTipo5(1, 0) = true;
+      h.HistoricoTipo5Datas(1, 0) = kAntiga;
+    });
   }
-  Historico& H() { return estado->historico; }
+  const Historico& H() { return estado->historico(); }
   fs::path Banco() const { return estacao.Caminho(kArquivoLogsSqlite); }
-  void Carregar() { OrigemHistoricoBanco(estacao.Pasta()).CarregarMusicasTocadas(estado->historico, estado->acervo); }
+  void Carregar() { Carregar(OrigemHistoricoBanco(estacao.Pasta())); }
+  void Carregar(OrigemHistorico&& origem) {
+    estado->SubstituirHistorico([&](Historico& h) { origem.CarregarMusicasTocadas(h, estado->acervo()); });
+  }
+  void Carregar(FonteLogs& fonte) {
+    estado->SubstituirHistorico([&](Historico& h) { CarregarMusicasTocadas(h, estado->acervo(), fonte); });
+  }
 
   // Nothing a load writes has moved.
   void EsperarIntocado() {
@@ -78,10 +85,10 @@ TEST_F(CargaHistorico, BancoVazioZeraPosicoesELimpaMarcas) {
 }
 
 TEST_F(CargaHistorico, MarcasDeTipo4E5PorSlot) {
-  Acervo& a = estado->acervo;
-  a.AcervoCodigos[10] = 900;  // stale slot past the loaded songs
-  a.AcervoCodigos[11] = 102;  // a later copy of a loaded code
-  a.CodigosAlterados();
+  estado->CarregarAcervo([](Acervo& a) {
+    a.AcervoCodigos[10] = 900;  // stale slot past the loaded songs
+    a.AcervoCodigos[11] = 102;  // a later copy of a loaded code
+  });
   std::vector<RegistroLog> r;
   // Twelve type-5 entries of song 103, out of order: days 1..12 at 08:00.
   for (int d : {5, 1, 12, 7, 3, 9, 11, 2, 8, 4, 10, 6}) r.push_back({103, Dia(d, 8), 5});
@@ -164,7 +171,7 @@ TEST_F(CargaHistorico, ValorRuimPulaSoAquelaAtribuicao) {
                  {2.0, 3e9, Dia(2)},                          // code overflows: date still lands
                  {3.0, Texto(u"102"), Texto(u"not a date")},  // date stays as it was
                  {4.0, std::monostate{}, Texto(u"2026-11-01 10:00:00")}};
-  CarregarMusicasTocadas(estado->historico, estado->acervo, f);
+  Carregar(f);
   EXPECT_EQ(H().HistoricoCodigos[-1], 101);
   EXPECT_EQ(H().HistoricoCodigos[-2], 0);
   EXPECT_EQ(H().HistoricoDatas[-2], Dia(2));
@@ -178,7 +185,7 @@ TEST_F(CargaHistorico, ConsultaQueFalhaEncerraACargaAli) {
   FonteFalsa f;
   f.linhas[0] = {{1.0, 103.0, Dia(3)}};
   f.falha = ConsultaLogs::Tipo4;
-  CarregarMusicasTocadas(estado->historico, estado->acervo, f);
+  Carregar(f);
   EXPECT_EQ(H().HistoricoCodigos[-1], 103);
   EXPECT_FALSE(H().HistoricoTipo4[1]);    // cleared before the query failed
   EXPECT_TRUE(H().HistoricoTipo5(1, 0));  // never reached
@@ -187,7 +194,7 @@ TEST_F(CargaHistorico, ConsultaQueFalhaEncerraACargaAli) {
   g.linhas[2] = {{5.0, 101.0, Dia(3)}, {5.0, 102.0, Dia(2)}};
   g.quebra = ConsultaLogs::Tipo5;
   g.falhaApos = 1;
-  CarregarMusicasTocadas(estado->historico, estado->acervo, g);
+  Carregar(g);
   EXPECT_TRUE(H().HistoricoTipo5(0, 0));
   EXPECT_FALSE(H().HistoricoTipo5(1, 0));
 }

@@ -1,4 +1,4 @@
-#include "rules/ritmo.h"
+#include "stores/ritmo.h"
 
 #include <array>
 #include <utility>

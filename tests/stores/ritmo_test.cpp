@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "rules/ritmo.h"
+#include "stores/ritmo.h"
 
 using namespace lumavox;
 

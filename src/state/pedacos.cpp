@@ -1,4 +1,4 @@
-#include "rules/pedacos.h"
+#include "state/pedacos.h"
 
 #include <cstring>
 

@@ -15,6 +15,7 @@ struct Estado;
 // (TotalTocadas - 1) down to -500 whose code is above 0; the slot chains hold the positions from
 // the newest play down to, not including, the first entry whose code is 0 or less, each under
 // the slot LocalizarMusicaTocada gives it (4000 for a code not in the collection).
+// Built and kept current by Estado, which alone knows when the plays or the codes change.
 class IndiceHistorico {
  public:
   static constexpr long kFim = -32768;  // end of a chain
@@ -29,24 +30,14 @@ class IndiceHistorico {
   long SeguinteDoSlot(long posicao) const { return seguinteDoSlot_[Deslocada(posicao)]; }
 
  private:
-  friend const IndiceHistorico& IndiceDoHistorico(Estado& e);
+  friend class Estado;
   static std::size_t Deslocada(long posicao) { return static_cast<std::size_t>(posicao - kPosicaoMaisAntiga); }
-  void Construir(Estado& e);
-
-  // What the chains were built from; a change of any of them rebuilds.
-  uint64_t versaoHistorico_ = ~0ull;
-  uint64_t versaoCodigos_ = ~0ull;
-  int16_t totalTocadas_ = 0;
+  void Construir(const Estado& e);
 
   std::unordered_map<int32_t, int16_t> primeiraDoCodigo_;
   std::vector<int16_t> seguinteDoCodigo_;
   std::vector<int16_t> primeiraDoSlot_;
   std::vector<int16_t> seguinteDoSlot_;
 };
-
-// The index of the present history, rebuilt first when the plays, their count or the
-// collection's codes moved on. A newest position past 4000 raises ForaDoIntervalo, as the
-// scans it replaces would at their first step.
-const IndiceHistorico& IndiceDoHistorico(Estado& e);
 
 }  // namespace lumavox

@@ -14,8 +14,6 @@
 
 namespace lumavox {
 
-struct Estado;
-
 enum class TipoLog : int16_t {
   Aplicada = 0,      // " -> REGRA: "
   Negada = 1,        // "REGRA NEGADA: "
@@ -64,15 +62,5 @@ class LogRegras {
  private:
   std::deque<NoLog> selecoes_;
 };
-
-// The rule's description with "X1".."X10" replaced by the values of RegraAtual's variables
-// ("X10" before "X1"); a placeholder whose value is empty stays as it is.
-Texto MontarDescricao(const Estado& e);
-
-// Adds one entry of the given kind to the log of the current selection. `valor` is the chosen
-// song's code for Escolhida; `contagem` the songs a rule would leave out (rule entries);
-// `erro` the cause of an Erro entry.
-void RegistrarLog(Estado& e, TipoLog tipo, int32_t valor = 0, int16_t contagem = 0,
-                  const std::string& erro = {});
 
 }  // namespace lumavox

@@ -1,12 +1,11 @@
-#include "rules/indice_historico.h"
+#include "state/indice_historico.h"
 
-#include "engine/estado.h"
-#include "rules/candidatos.h"
+#include "state/estado.h"
 
 namespace lumavox {
 
-void IndiceHistorico::Construir(Estado& e) {
-  const Historico& h = e.historico;
+void IndiceHistorico::Construir(const Estado& e) {
+  const Historico& h = e.historico();
   const long topo = h.TotalTocadas - 1;
   if (topo >= kPosicaoMaisAntiga) (void)h.HistoricoCodigos[topo];
 
@@ -41,19 +40,6 @@ void IndiceHistorico::Construir(Estado& e) {
       primeira = posicao;
     }
   }
-}
-
-const IndiceHistorico& IndiceDoHistorico(Estado& e) {
-  IndiceHistorico& ix = e.indiceHistorico;
-  if (ix.versaoHistorico_ != e.historico.Versao || ix.versaoCodigos_ != e.acervo.VersaoCodigos ||
-      ix.totalTocadas_ != e.historico.TotalTocadas) {
-    ix.versaoHistorico_ = ~0ull;  // a build that raises leaves the index marked stale
-    ix.Construir(e);
-    ix.versaoHistorico_ = e.historico.Versao;
-    ix.versaoCodigos_ = e.acervo.VersaoCodigos;
-    ix.totalTocadas_ = e.historico.TotalTocadas;
-  }
-  return ix;
 }
 
 }  // namespace lumavox

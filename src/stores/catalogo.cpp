@@ -1,4 +1,4 @@
-#include "engine/catalogo.h"
+#include "stores/catalogo.h"
 
 #include "base/arquivos.h"
 #include "stores/codec.h"

@@ -1,7 +1,7 @@
-#include "engine/log.h"
+#include "engine/registro.h"
 
 #include "base/numeros.h"
-#include "engine/estado.h"
+#include "state/estado.h"
 
 namespace lumavox {
 
@@ -38,21 +38,6 @@ NoLog& Pai(Estado& e) {
 
 }  // namespace
 
-void LogRegras::NovaSelecao(NoLog no) {
-  // A selection that never reached its choice leaves its counter unused; the next one takes
-  // its key and its place.
-  if (!selecoes_.empty() && selecoes_.back().chave == no.chave) selecoes_.pop_back();
-  selecoes_.push_back(std::move(no));
-  while (selecoes_.size() > kSelecoesGuardadas) selecoes_.pop_front();
-}
-
-std::string ChaveMusica(const NoLog& pai, const MusicaLog& musica) {
-  const bool restantes = pai.tipo == TipoLog::Restantes;
-  return (restantes ? "MR" : "n") + pai.chave.substr(1) + "_" + std::to_string(musica.slot);
-}
-
-Texto TextoMusica(const MusicaLog& musica) { return DeUtf8(std::to_string(musica.codigo)); }
-
 Texto MontarDescricao(const Estado& e) {
   const RegrasCatalogo& r = e.catalogo.RegraAtual;
   const Texto& d = r.Descricao;
@@ -77,7 +62,7 @@ Texto MontarDescricao(const Estado& e) {
 
 void RegistrarLog(Estado& e, TipoLog tipo, int32_t valor, int16_t contagem, const std::string& erro) {
   const Selecao& s = e.selecao;
-  const Acervo& a = e.acervo;
+  const Acervo& a = e.acervo();
   const long long n = s.MusicasEscolhidas;
   const DataHora agora = Agora(e);
   switch (tipo) {
