@@ -18,7 +18,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const fs::path kDocs = fs::path(__FILE__).parent_path().parent_path().parent_path() / "docs";
+// From the build, not from __FILE__: a compiler cache may have made the source path relative.
+const fs::path kDocs = LUMAVOX_DOCS;
 
 struct Saida {
   int codigo;
