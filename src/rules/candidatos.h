@@ -9,6 +9,8 @@
 
 namespace lumavox {
 
+struct DescricaoRegra;
+
 constexpr int16_t kSlotAusente = 4000;  // "not found", and also the last slot: never told apart
 
 // Last slot of a rule's loop over the collection. The loops deliberately run one slot past the
@@ -23,6 +25,9 @@ inline long UltimoSlotDosLacos(const Estado& e) {
 // raises TiposIncompativeis.
 bool VerificarVigencia(const Estado& e, std::u16string_view data, std::u16string_view inicio,
                        std::u16string_view fim);
+// VerificarVigencia over the variables of RegraAtual that the rule's description names as its
+// period. A rule without a period is always in force.
+bool VerificarVigenciaDaRegra(const Estado& e, const DescricaoRegra& regra);
 
 // First slot 0..4000 holding the code, or 4000 when none does (stale slots count).
 int16_t LocalizarMusica(Estado& e, int32_t codigo);

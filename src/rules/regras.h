@@ -35,8 +35,10 @@ void Regra22(Estado& e);
 void Regra23(Estado& e);
 void Regra24(Estado& e);
 // Rules "24" and "27": by chance X1%, the candidates whose `campoCandidata` shares no value with
-// the last song's `campoUltima` go. "24" asks genre after sub-genre, "27" the reverse.
-void RegraGeneroInfluente(Estado& e, long campoUltima, long campoCandidata);
+// the last song's `campoUltima` go. "24" asks genre after sub-genre, "27" the reverse; `regra`
+// is the one whose period applies.
+void RegraGeneroInfluente(Estado& e, const DescricaoRegra& regra, long campoUltima,
+                          long campoCandidata);
 void Regra25(Estado& e);
 void Regra26(Estado& e);
 void Regra27(Estado& e);
