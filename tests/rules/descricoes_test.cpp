@@ -2,9 +2,11 @@
 // procedure reads.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "apoio/estado_teste.h"
 #include "base/erro.h"
