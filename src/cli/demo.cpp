@@ -10,6 +10,7 @@
 #include "base/arquivos.h"
 #include "cli/comandos.h"
 #include "cli/subcomandos.h"
+#include "rules/descricoes.h"
 #include "base/ambiente.h"
 #include "stores/acervo.h"
 #include "stores/banco_sqlite.h"
@@ -109,59 +110,52 @@ std::array<std::string, 32> TagsDaMusica(Sorteio& s, int n) {
   return t;
 }
 
+// A rule of the demo sets: its number, whose description gives the description and example
+// lines, and its variables.
 struct RegraDemo {
   bool ativo;
-  std::string id, descricao, exemplo;
+  int numero;
   std::array<std::string, 10> vars;
 };
 
 const std::vector<RegraDemo> kRegrasDemo{
-    {true, "01", "Começar sempre com uma musica do tipo (X1) [(X2)DATA / ENTRE (X3) E (X4)].",
-     "Comecar sempre com uma musica (Animada)", {"Ritmo:Animado;", "", "", ""}},
-    {true, "12", "Maximo de (X1) musicas (X2) consecutivas [(X3)DATA / ENTRE (X4) E (X5)].",
-     "Maximo de (3) musicas (animadas) consecutivas.", {"*2-4", "Genero:Geral*", "", "", ""}},
-    {true, "34", "Intervalo mínimo de (X1) musicas para o tag (X2) [(X3)DATA / ENTRE (X4) E (X5)].",
-     "Intervalo mínimo de (3) musicas para o tag (Title).", {"*20-8", "Artista:Geral*", "", "", ""}},
-    {true, "02", "(X1) tocar o mesmo (X2) em um período de (X3) horas [(X4)DATA / ENTRE (X5) E (X6)].",
-     "(Não) tocar o mesmo (artista) em um periodo de (10) horas", {"Não", "Title:Geral*", "6", "", "", ""}},
-    {true, "04", "Reproduzir musicas com rating (X1) decrescente mais freqüentemente [(X2)DATA / ENTRE (X3) E (X4)].",
-     "Reproduzir musicas com rating 10 decrescente mais frequentemente", {"10", "", "", ""}},
-    {true, "33", "Selecionar músicas de acordo com a barra de ritmo com varição (X1) [(X2)DATA / ENTRE (X3) E (X4)].",
-     "", {"*2-4", "", "", ""}},
-    {false, "28", "(X1)% de chance de (X2) tocar o tag X3 [(X4)DATA / ENTRE (X5) E (X6)].",
-     "(80)% de chance de (SIM/NÃO) tocar o tag Ritmo:Calmo [(X4)DATA / ENTRE (X5) E (X6)].",
-     {"30", "Não", "Lingua:Espanhol", "", "", ""}},
-    {true, "15", "NÃO FEITA ! Tocar Todas as musicas da playlist [(X1)DATA / ENTRE (X2) E (X3)].", "",
-     {}},
+    {true, 1, {"Ritmo:Animado;", "", "", ""}},
+    {true, 12, {"*2-4", "Genero:Geral*", "", "", ""}},
+    {true, 34, {"*20-8", "Artista:Geral*", "", "", ""}},
+    {true, 2, {"Não", "Title:Geral*", "6", "", "", ""}},
+    {true, 4, {"10", "", "", ""}},
+    {true, 33, {"*2-4", "", "", ""}},
+    {false, 28, {"30", "Não", "Lingua:Espanhol", "", "", ""}},
+    {true, 15, {}},
 };
 
 // One rule of every implemented number, with values that keep most songs alive, so a
 // full-capacity station exercises every procedure at every selection.
 const std::vector<RegraDemo> kRegrasCompletas{
-    {true, "01", "Começar sempre com uma musica do tipo (X1) [(X2)DATA / ENTRE (X3) E (X4)].", "", {"Ritmo:Animado;"}},
-    {true, "02", "(X1) tocar o mesmo (X2) em um período de (X3) horas [(X4)DATA / ENTRE (X5) E (X6)].", "", {"Não", "Artista:Geral*", "2"}},
-    {true, "03", "Quando avancar a musica no clique (X1), (X2) trocar (X3). Persistir (X4) [(X5)DATA / ENTRE (X6) E (X7)].", "", {"1", "Sim", "Genero:Geral*", "Não"}},
-    {true, "04", "Reproduzir musicas com rating (X1) decrescente mais freqüentemente [(X2)DATA / ENTRE (X3) E (X4)].", "", {"10"}},
-    {true, "05", "Priorizar musicas que não foram tocadas porem usar incidência de cada musica [(X1)DATA / ENTRE (X2) E (X3)].", "", {}},
-    {true, "06", "Checar (X1) dias, (X2) horas [(X3)DATA / ENTRE (X4) E (X5)].", "", {"3", "2"}},
-    {true, "07", "Tocar a próxima musica com (X2)% de chance de ser mesmo X1 [(X6)DATA / ENTRE (X7) E (X8)].", "", {"Genero:Geral*", "70", "50", "30", "20"}},
-    {true, "08", "Priorizar musicas com rating entre (X1) e (X2) com classificação (X3) e (X4) [(X8)DATA / ENTRE (X9) E (X10)].", "", {"10", "3", "Genero:Rock;Pop;MPB;Samba", "Lingua:Português;Inglês", "08:00", "12:00"}},
-    {true, "12", "Maximo de (X1) musicas (X2) consecutivas [(X3)DATA / ENTRE (X4) E (X5)].", "", {"*2-4", "Genero:Geral*"}},
-    {true, "13", "Uma musica não deve tocar mais de X1 dias consecutivos [(X2)DATA / ENTRE (X3) E (X4)].", "", {"3"}},
-    {true, "22", "Apos o tag (X1) (X2)% de chance de tocar tag (X3), se não tocar o tag (X4) [(X5)DATA / ENTRE (X6) E (X7)]..", "", {"Ritmo:Animado;", "60", "Ritmo:Normal;Animado;", "Ritmo:Calmo;"}},
-    {true, "23", "Quando a musica tiver os tags (X1)(X2)(X3)(X4) tender a tocar (X5)(X6)(X7) [(X8)DATA / ENTRE (X9) E (X10)].", "", {"Genero:Rock;", "", "", "Sim", "Genero:Rock;Pop;MPB", "Lingua:Português;Inglês", ""}},
-    {true, "24", "(X1)% de chance de tocar o genero influente[(X2)DATA / ENTRE (X3) E (X4)].", "", {"50"}},
-    {true, "25", "Aplicar Tabela X1, tipo X2 (0 - Tempo, 1 - Posição). [(X3)DATA / ENTRE (X4) E (X5)].", "", {"1", "0"}},
-    {true, "26", "Variar X1 (0-velocidade/1-ritmo/2-Nota/3-BPM/4-Vibe) em no máximo X2 pontos. [(X3)DATA / ENTRE (X4) E (X5)].", "", {"4", "*4-6"}},
-    {true, "27", "(X1)% de chance de tocar com o genero influente igual ao genero da musica anterior [(X2)DATA / ENTRE (X3) E (X4)].", "", {"40"}},
-    {true, "28", "(X1)% de chance de (X2) tocar o tag X3 [(X4)DATA / ENTRE (X5) E (X6)].", "", {"30", "Não", "Lingua:Espanhol"}},
-    {true, "29", "(X1)% de chance de tocar musica favorita [(X2)DATA / ENTRE (X3) E (X4)].", "", {"20"}},
-    {true, "30", "(X1)% de chance de não tocar musica em quarentena [(X2)DATA / ENTRE (X3) E (X4)].", "", {"80"}},
-    {true, "31", "Musicas em Quarentena deixam de tocar no respectivo período em X1 horas, para mais e para menos [(X2)DATA / ENTRE (X3) E (X4)].", "", {"3"}},
-    {true, "32", "Aplicar Vibe na barra de ritmo varição (X1) [(X2)DATA / ENTRE (X3) E (X4)].", "", {"3"}},
-    {true, "33", "Selecionar músicas de acordo com a barra de ritmo com varição (X1) [(X2)DATA / ENTRE (X3) E (X4)].", "", {"*6-4"}},
-    {true, "34", "Intervalo mínimo de (X1) musicas para o tag (X2) [(X3)DATA / ENTRE (X4) E (X5)].", "", {"*20-8", "Title:Geral*"}},
-    {false, "15", "NÃO FEITA ! Tocar Todas as musicas da playlist [(X1)DATA / ENTRE (X2) E (X3)].", "", {}},
+    {true, 1, {"Ritmo:Animado;"}},
+    {true, 2, {"Não", "Artista:Geral*", "2"}},
+    {true, 3, {"1", "Sim", "Genero:Geral*", "Não"}},
+    {true, 4, {"10"}},
+    {true, 5, {}},
+    {true, 6, {"3", "2"}},
+    {true, 7, {"Genero:Geral*", "70", "50", "30", "20"}},
+    {true, 8, {"10", "3", "Genero:Rock;Pop;MPB;Samba", "Lingua:Português;Inglês", "08:00", "12:00"}},
+    {true, 12, {"*2-4", "Genero:Geral*"}},
+    {true, 13, {"3"}},
+    {true, 22, {"Ritmo:Animado;", "60", "Ritmo:Normal;Animado;", "Ritmo:Calmo;"}},
+    {true, 23, {"Genero:Rock;", "", "", "Sim", "Genero:Rock;Pop;MPB", "Lingua:Português;Inglês", ""}},
+    {true, 24, {"50"}},
+    {true, 25, {"1", "0"}},
+    {true, 26, {"4", "*4-6"}},
+    {true, 27, {"40"}},
+    {true, 28, {"30", "Não", "Lingua:Espanhol"}},
+    {true, 29, {"20"}},
+    {true, 30, {"80"}},
+    {true, 31, {"3"}},
+    {true, 32, {"3"}},
+    {true, 33, {"*6-4"}},
+    {true, 34, {"*20-8", "Title:Geral*"}},
+    {false, 15, {}},
 };
 
 void GravarLinhasCodificadas(const fs::path& arquivo, const std::vector<std::string>& linhas) {
@@ -177,10 +171,12 @@ void GravarRegras(const fs::path& pasta, int conjunto, int quantas, bool complet
   for (int i = 0; i < total; ++i) {
     // Each set starts at a different rule so the three sets differ.
     const RegraDemo& r = lista[static_cast<size_t>(i + conjunto * (quantas > 0 ? 0 : 1)) % lista.size()];
+    const DescricaoRegra& d = DescricaoDaRegra(r.numero);
     linhas.push_back(r.ativo ? "A" : "I");
-    linhas.push_back(r.id);
-    linhas.push_back(r.descricao);
-    linhas.push_back(r.exemplo);
+    linhas.push_back(ParaUtf8(d.numero));
+    linhas.push_back(ParaUtf8(d.texto));
+    // The full set leaves the examples out.
+    linhas.push_back(completas ? "" : ParaUtf8(d.exemplo));
     for (const std::string& v : r.vars) linhas.push_back(v);
   }
   GravarLinhasCodificadas(pasta / ("lxie" + std::to_string(conjunto) + ".rdb"), linhas);

@@ -10,6 +10,7 @@
 #include "base/datas.h"
 #include "base/erro.h"
 #include "base/numeros.h"
+#include "rules/descricoes.h"
 #include "rules/regras.h"
 #include "rules/tags.h"
 #include "stores/codec.h"
@@ -337,30 +338,6 @@ std::vector<ConjuntoLido> LerTomlRegras(std::string_view texto, const std::strin
 
 namespace {
 
-// Where each rule keeps its period (date, start, end: the last three placeholders of its
-// description) and which variables it reads as field filters.
-struct FormaRegra {
-  std::u16string_view id;
-  int data;
-  std::initializer_list<int> filtros;
-};
-
-constexpr FormaRegra kFormas[] = {
-    {u"01", 2, {1}},       {u"02", 4, {2}},       {u"03", 5, {3}},    {u"04", 2, {}},
-    {u"05", 1, {}},        {u"06", 3, {}},        {u"07", 6, {1}},    {u"08", 8, {3, 4}},
-    {u"12", 3, {2}},       {u"13", 2, {}},        {u"22", 5, {1, 3, 4}},
-    {u"23", 8, {1, 2, 3, 5, 6, 7}},               {u"24", 2, {}},     {u"25", 3, {}},
-    {u"26", 3, {}},        {u"27", 2, {}},        {u"28", 4, {3}},    {u"29", 2, {}},
-    {u"30", 2, {}},        {u"31", 2, {}},        {u"32", 2, {}},     {u"33", 2, {}},
-    {u"34", 3, {2}},
-};
-
-const FormaRegra* FormaDe(std::u16string_view id) {
-  for (const FormaRegra& f : kFormas)
-    if (f.id == id) return &f;
-  return nullptr;
-}
-
 std::string Var(int n, const Texto& valor) { return "var" + std::to_string(n) + " \"" + ParaUtf8(valor) + "\""; }
 
 bool InteiroDe16Bits(std::u16string_view texto) {
@@ -394,16 +371,20 @@ std::vector<Problema> ConferirConjunto(const ConjuntoLido& c) {
       if (!r.Var(n).empty() && r.Var(n)[0] == u'*' && !FaixaValida(r.Var(n)))
         Relatar(true, Var(n, r.Var(n)) + ": valor por nível (*a-b) que não se lê como números inteiros");
 
-    const FormaRegra* forma = FormaDe(r.Id());
-    if (!forma) continue;
-    for (int n : forma->filtros) {
+    // The rule's description says which variables are filters and which its period; a number
+    // that is not performed reads none.
+    const DescricaoRegra* descricao = ProcurarDescricao(r.Id());
+    if (!descricao || !descricao->periodo.Existe()) continue;
+    for (int n = 1; n <= kVariaveisPorRegra; ++n) {
+      if (!descricao->filtros.Contem(n)) continue;
       const Texto& filtro = r.Var(n);
       if (filtro.empty() || TerminaComGeral(filtro)) continue;
       if (IndiceCampo(filtro) == kCampoDesconhecido)
         Relatar(true, Var(n, filtro) + ": filtro sem campo conhecido (use Campo:valor, como Genero:Rock)");
     }
 
-    const int d = forma->data;
+    const PeriodoRegra& periodo = descricao->periodo;
+    const int d = periodo.data;
     const Texto& data = r.Var(d);
     if (!data.empty()) {
       const auto valor = ConverterDataHora(data);
@@ -411,15 +392,17 @@ std::vector<Problema> ConferirConjunto(const ConjuntoLido& c) {
       else if (valor->segundos >= 0 && valor->segundos < kSegundosPorDia) Relatar(true, Var(d, data) + ": data do período sem dia: a regra nunca vale");
     }
     std::optional<DataHora> horas[2];
+    const int variaveisDasHoras[2] = {periodo.inicio, periodo.fim};
     for (int k = 0; k < 2; ++k) {
-      const Texto& hora = r.Var(d + 1 + k);
+      const int n = variaveisDasHoras[k];
+      const Texto& hora = r.Var(n);
       if (hora.empty()) continue;
       const auto valor = ConverterDataHora(hora);
-      if (!valor) Relatar(true, Var(d + 1 + k, hora) + ": hora do período inválida");
-      else if (valor->segundos < 0 || valor->segundos >= kSegundosPorDia) Relatar(true, Var(d + 1 + k, hora) + ": hora do período com data: a regra nunca vale");
+      if (!valor) Relatar(true, Var(n, hora) + ": hora do período inválida");
+      else if (valor->segundos < 0 || valor->segundos >= kSegundosPorDia) Relatar(true, Var(n, hora) + ": hora do período com data: a regra nunca vale");
       else horas[k] = valor;
     }
-    if (r.Var(d + 1).empty() != r.Var(d + 2).empty())
+    if (r.Var(periodo.inicio).empty() != r.Var(periodo.fim).empty())
       Relatar(false, "período com só uma das horas: o horário é ignorado");
     else if (horas[0] && horas[1] && *horas[0] > *horas[1])
       Relatar(false, "hora inicial depois da final: o período não passa da meia-noite e nunca vale");

@@ -72,7 +72,8 @@ struct Problema {
 };
 
 // Unknown rule numbers, dates and times of the period that do not convert, field filters that
-// name no field, "*a-b" values that do not read as numbers, and a trailing partial record.
+// name no field, "*a-b" values that do not read as numbers, and a trailing partial record. The
+// period and the filters are the variables the rule's description names.
 std::vector<Problema> ConferirConjunto(const ConjuntoLido& c);
 
 }  // namespace lumavox::cli

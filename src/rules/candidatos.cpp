@@ -3,6 +3,7 @@
 #include <string>
 
 #include "base/datas.h"
+#include "rules/descricoes.h"
 
 namespace lumavox {
 
@@ -31,6 +32,13 @@ bool VerificarVigencia(const Estado& e, std::u16string_view data, std::u16string
     if (de > agora || ate < agora) vigente = false;
   }
   return vigente;
+}
+
+bool VerificarVigenciaDaRegra(const Estado& e, const DescricaoRegra& regra) {
+  const PeriodoRegra& p = regra.periodo;
+  if (!p.Existe()) return true;
+  const RegrasCatalogo& r = e.catalogo.RegraAtual;
+  return VerificarVigencia(e, r.Valor(p.data), r.Valor(p.inicio), r.Valor(p.fim));
 }
 
 int32_t MinutosDesdeTocada(const Estado& e, long posicao) {

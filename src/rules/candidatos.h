@@ -9,6 +9,8 @@
 
 namespace lumavox {
 
+struct DescricaoRegra;
+
 // Last slot of a rule's loop over the collection. The loops deliberately run one slot past the
 // last song; with a full collection of 4001 songs there is no such slot and they stop at 4000.
 inline long UltimoSlotDosLacos(const Estado& e) {
@@ -21,6 +23,9 @@ inline long UltimoSlotDosLacos(const Estado& e) {
 // raises TiposIncompativeis.
 bool VerificarVigencia(const Estado& e, std::u16string_view data, std::u16string_view inicio,
                        std::u16string_view fim);
+// VerificarVigencia over the variables of RegraAtual that the rule's description names as its
+// period. A rule without a period is always in force.
+bool VerificarVigenciaDaRegra(const Estado& e, const DescricaoRegra& regra);
 
 // Minute boundaries from the play at `posicao` to DataHoraReferencia.
 int32_t MinutosDesdeTocada(const Estado& e, long posicao);

@@ -7,7 +7,7 @@ namespace lumavox {
 
 void Regra01(Estado& e) {
   const RegrasCatalogo& r = e.catalogo.RegraAtual;
-  if (!VerificarVigencia(e, r.Valor(2), r.Valor(3), r.Valor(4))) return;
+  if (!VerificarVigenciaDaRegra(e, DescricaoDaRegra(1))) return;
   if (e.historico().TotalTocadas > 0) return;
   Selecao& s = e.selecao;
   for (long i = 0; i <= UltimoSlotDosLacos(e); ++i)

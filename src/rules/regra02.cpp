@@ -16,7 +16,7 @@ void Regra02(Estado& e, double horas) {
   if (modo.empty() || filtro.empty() || r.Valor(3).empty()) return;
   if (horas <= 0) horas = ValorNumerico(r.Valor(3));
   if (horas <= 0) return;
-  if (!VerificarVigencia(e, r.Valor(4), r.Valor(5), r.Valor(6))) return;
+  if (!VerificarVigenciaDaRegra(e, DescricaoDaRegra(2))) return;
   const int16_t campo = IndiceCampo(filtro);
   if (campo == kCampoDesconhecido) return;
 

@@ -20,7 +20,7 @@ void Regra03(Estado& e) {
   }
   const Texto& filtro = r.Valor(3);
   if (r.Valor(2).empty() || filtro.empty()) return;
-  if (!VerificarVigencia(e, r.Valor(5), r.Valor(6), r.Valor(7))) return;
+  if (!VerificarVigenciaDaRegra(e, DescricaoDaRegra(3))) return;
 
   // Change drops the songs that match; keep drops those that do not.
   const bool trocar = r.Valor(2) != u"Não";

@@ -11,7 +11,7 @@ namespace lumavox {
 
 void Regra04(Estado& e) {
   const RegrasCatalogo& r = e.catalogo.RegraAtual;
-  if (!VerificarVigencia(e, r.Valor(2), r.Valor(3), r.Valor(4))) return;
+  if (!VerificarVigenciaDaRegra(e, DescricaoDaRegra(4))) return;
 
   // Bounded tables: an X1 above 10 or a rating outside 0..10 raises and ends the rule.
   Vetor<int16_t, 0, 10> chance;

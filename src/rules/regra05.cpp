@@ -10,8 +10,7 @@
 namespace lumavox {
 
 void Regra05(Estado& e) {
-  const RegrasCatalogo& r = e.catalogo.RegraAtual;
-  if (!VerificarVigencia(e, r.Valor(1), r.Valor(2), r.Valor(3))) return;
+  if (!VerificarVigenciaDaRegra(e, DescricaoDaRegra(5))) return;
 
   Selecao& sel = e.selecao;
   const long ultimo = UltimoSlotDosLacos(e);

@@ -10,7 +10,7 @@ namespace lumavox {
 
 void Regra06(Estado& e) {
   const RegrasCatalogo& r = e.catalogo.RegraAtual;
-  if (!VerificarVigencia(e, r.Valor(3), r.Valor(4), r.Valor(5))) return;
+  if (!VerificarVigenciaDaRegra(e, DescricaoDaRegra(6))) return;
   const int16_t dias = ParaInteiro16(ValorNumerico(r.Valor(1)));
   const int16_t horas = ParaInteiro16(ValorNumerico(r.Valor(2)));
 

@@ -10,7 +10,7 @@ namespace lumavox {
 
 void Regra07(Estado& e) {
   const RegrasCatalogo& r = e.catalogo.RegraAtual;
-  if (!VerificarVigencia(e, r.Valor(6), r.Valor(7), r.Valor(8))) return;
+  if (!VerificarVigenciaDaRegra(e, DescricaoDaRegra(7))) return;
   const Texto& filtro = r.Valor(1);
   const int16_t campo = IndiceCampo(filtro);
   const Historico& h = e.historico();

@@ -16,8 +16,10 @@ bool VerificarPeriodo(std::u16string_view periodo) {
 
 void Regra08(Estado& e) {
   const RegrasCatalogo& r = e.catalogo.RegraAtual;
-  if (!VerificarVigencia(e, r.Valor(8), r.Valor(9), r.Valor(10))) return;
-  const bool nasHoras = VerificarVigencia(e, r.Valor(8), r.Valor(5), r.Valor(6));
+  const DescricaoRegra& regra = DescricaoDaRegra(8);
+  if (!VerificarVigenciaDaRegra(e, regra)) return;
+  // The hours X5..X6 are tested on the period's date.
+  const bool nasHoras = VerificarVigencia(e, r.Valor(regra.periodo.data), r.Valor(5), r.Valor(6));
   const bool noPeriodo = VerificarPeriodo(r.Valor(7));
   if (!nasHoras && !noPeriodo) return;
 

@@ -10,7 +10,7 @@ namespace lumavox {
 
 void Regra12(Estado& e) {
   const RegrasCatalogo& r = e.catalogo.RegraAtual;
-  if (!VerificarVigencia(e, r.Valor(3), r.Valor(4), r.Valor(5))) return;
+  if (!VerificarVigenciaDaRegra(e, DescricaoDaRegra(12))) return;
   const Texto& filtro = r.Valor(2);
   const int16_t campo = IndiceCampo(filtro);
   const int16_t x = ParaInteiro16(ValorNumerico(r.Valor(1)));

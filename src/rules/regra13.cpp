@@ -29,7 +29,7 @@ DataHora DataDoDia(DataHora d) {
 
 void Regra13(Estado& e) {
   const RegrasCatalogo& r = e.catalogo.RegraAtual;
-  if (!VerificarVigencia(e, r.Valor(2), r.Valor(3), r.Valor(4))) return;
+  if (!VerificarVigenciaDaRegra(e, DescricaoDaRegra(13))) return;
   const int16_t limite = TextoParaInteiro16(r.Valor(1));
 
   const Historico& h = e.historico();

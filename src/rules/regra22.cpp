@@ -16,7 +16,7 @@ bool SemFiltro(std::u16string_view filtro) { return filtro.empty() || TerminaCom
 
 void Regra22(Estado& e) {
   const RegrasCatalogo& r = e.catalogo.RegraAtual;
-  if (!VerificarVigencia(e, r.Valor(5), r.Valor(6), r.Valor(7))) return;
+  if (!VerificarVigenciaDaRegra(e, DescricaoDaRegra(22))) return;
   const Historico& h = e.historico();
   if (h.TotalTocadas <= 0) return;
   const Texto& apos = r.Valor(1);

@@ -14,7 +14,7 @@ bool Definido(std::u16string_view filtro) { return !filtro.empty() && !TerminaCo
 
 void Regra23(Estado& e) {
   const RegrasCatalogo& r = e.catalogo.RegraAtual;
-  if (!VerificarVigencia(e, r.Valor(8), r.Valor(9), r.Valor(10))) return;
+  if (!VerificarVigenciaDaRegra(e, DescricaoDaRegra(23))) return;
   const Texto& modo = r.Valor(4);
   const Historico& h = e.historico();
   if (modo.empty() || h.TotalTocadas < 1) return;

@@ -8,9 +8,10 @@
 
 namespace lumavox {
 
-void RegraGeneroInfluente(Estado& e, long campoUltima, long campoCandidata) {
+void RegraGeneroInfluente(Estado& e, const DescricaoRegra& regra, long campoUltima,
+                          long campoCandidata) {
   const RegrasCatalogo& r = e.catalogo.RegraAtual;
-  if (!VerificarVigencia(e, r.Valor(2), r.Valor(3), r.Valor(4))) return;
+  if (!VerificarVigenciaDaRegra(e, regra)) return;
   const Historico& h = e.historico();
   if (h.TotalTocadas < 1) return;
   if (SortearPercentual(e) > ArredondarPar(ValorNumerico(r.Valor(1)))) return;
@@ -25,6 +26,8 @@ void RegraGeneroInfluente(Estado& e, long campoUltima, long campoCandidata) {
       s.MusicaMantida[i] = false;
 }
 
-void Regra24(Estado& e) { RegraGeneroInfluente(e, kCampoGeneroSub, kCampoGenero); }
+void Regra24(Estado& e) {
+  RegraGeneroInfluente(e, DescricaoDaRegra(24), kCampoGeneroSub, kCampoGenero);
+}
 
 }  // namespace lumavox

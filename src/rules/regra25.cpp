@@ -11,7 +11,7 @@ namespace lumavox {
 
 void Regra25(Estado& e) {
   const RegrasCatalogo& r = e.catalogo.RegraAtual;
-  if (!VerificarVigencia(e, r.Valor(3), r.Valor(4), r.Valor(5))) return;
+  if (!VerificarVigenciaDaRegra(e, DescricaoDaRegra(25))) return;
   const TabelasAgenda& a = e.agenda;
   const double numero = ValorNumerico(r.Valor(1));
   // A number no place holds falls back to place 0 rather than to no table.

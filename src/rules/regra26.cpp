@@ -12,7 +12,7 @@ namespace lumavox {
 
 void Regra26(Estado& e) {
   const RegrasCatalogo& r = e.catalogo.RegraAtual;
-  if (!VerificarVigencia(e, r.Valor(3), r.Valor(4), r.Valor(5))) return;
+  if (!VerificarVigenciaDaRegra(e, DescricaoDaRegra(26))) return;
   const Historico& h = e.historico();
   if (h.TotalTocadas <= 0) return;
   constexpr long kCamposPorTipo[] = {kCampoVelocidade, kCampoRitmo, kCampoNota, kCampoBpm, kCampoVibe};

@@ -6,7 +6,7 @@
 namespace lumavox {
 
 void Regra27(Estado& e) {
-  RegraGeneroInfluente(e, kCampoGenero, kCampoGeneroSub);
+  RegraGeneroInfluente(e, DescricaoDaRegra(27), kCampoGenero, kCampoGeneroSub);
 }
 
 }  // namespace lumavox

@@ -10,7 +10,7 @@ namespace lumavox {
 
 void Regra28(Estado& e) {
   const RegrasCatalogo& r = e.catalogo.RegraAtual;
-  if (!VerificarVigencia(e, r.Valor(4), r.Valor(5), r.Valor(6))) return;
+  if (!VerificarVigenciaDaRegra(e, DescricaoDaRegra(28))) return;
   if (SortearPercentual(e) > ArredondarPar(ValorNumerico(r.Valor(1)))) return;
 
   // Unlike rule "23", the switch ignores letter case.

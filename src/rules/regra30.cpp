@@ -9,7 +9,7 @@ namespace lumavox {
 
 void Regra30(Estado& e) {
   const RegrasCatalogo& r = e.catalogo.RegraAtual;
-  if (!VerificarVigencia(e, r.Valor(2), r.Valor(3), r.Valor(4))) return;
+  if (!VerificarVigenciaDaRegra(e, DescricaoDaRegra(30))) return;
   const int16_t chance = ParaInteiro16(ValorNumerico(r.Valor(1)));
   if (SortearPercentual(e) > chance) return;
 

@@ -8,7 +8,7 @@ namespace lumavox {
 
 void Regra31(Estado& e) {
   const RegrasCatalogo& r = e.catalogo.RegraAtual;
-  if (!VerificarVigencia(e, r.Valor(2), r.Valor(3), r.Valor(4))) return;
+  if (!VerificarVigenciaDaRegra(e, DescricaoDaRegra(31))) return;
   const int16_t horas = TextoParaInteiro16(r.Valor(1));
   const DataHora agora = e.selecao.DataHoraReferencia;
   // Only times of day are compared, so a span across midnight (lower above upper) holds none.

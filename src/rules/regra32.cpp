@@ -10,7 +10,7 @@ namespace lumavox {
 
 void Regra32(Estado& e) {
   const RegrasCatalogo& r = e.catalogo.RegraAtual;
-  if (!VerificarVigencia(e, r.Valor(2), r.Valor(3), r.Valor(4))) return;
+  if (!VerificarVigenciaDaRegra(e, DescricaoDaRegra(32))) return;
   const int sorteio = SortearPercentual(e);
   const double centro = e.selecao.NivelRitmo / 10.0;
   const double v = ValorNumerico(r.Valor(1));

@@ -7,7 +7,7 @@ namespace lumavox {
 
 void Regra33(Estado& e) {
   const RegrasCatalogo& r = e.catalogo.RegraAtual;
-  if (!VerificarVigencia(e, r.Valor(2), r.Valor(3), r.Valor(4))) return;
+  if (!VerificarVigenciaDaRegra(e, DescricaoDaRegra(33))) return;
   const double centro = e.selecao.NivelRitmo / 10.0;
   const double v = ValorNumerico(r.Valor(1));
   const Acervo& a = e.acervo();

@@ -10,7 +10,7 @@ namespace lumavox {
 
 void Regra34(Estado& e) {
   const RegrasCatalogo& r = e.catalogo.RegraAtual;
-  if (!VerificarVigencia(e, r.Valor(3), r.Valor(4), r.Valor(5))) return;
+  if (!VerificarVigenciaDaRegra(e, DescricaoDaRegra(34))) return;
   const Texto& filtro = r.Valor(2);
   (void)IndiceCampo(filtro);
   const int16_t n = ParaInteiro16(ValorNumerico(r.Valor(1)) - 1);

@@ -1,22 +1,21 @@
-// The rule procedures and the table that dispatches to them by rule number. Each procedure
-// reads RegraAtual and the shared state and clears MusicaMantida for the songs it rejects.
+// The rule procedures and the dispatch to them by rule number, through the rule descriptions.
+// Each procedure reads RegraAtual and the shared state and clears MusicaMantida for the songs it
+// rejects.
 #pragma once
 
 #include <string_view>
 
+#include "rules/descricoes.h"
+
 namespace lumavox {
-
-struct Estado;
-
-using ProcedimentoRegra = void (*)(Estado&);
 
 struct BuscaRegra {
   bool conhecida = false;                 // the number is in the table
   ProcedimentoRegra procedimento = nullptr;  // null for numbers that are not performed
 };
 
-// Looks the rule number up by exact text ("01".."34"). Numbers without a procedure are
-// known but have none; any other text is unknown.
+// Looks the rule number up in the descriptions by exact text ("01".."34"). Numbers without a
+// procedure are known but have none; any other text is unknown.
 BuscaRegra ProcurarRegra(std::u16string_view id);
 
 void Regra01(Estado& e);
@@ -36,8 +35,10 @@ void Regra22(Estado& e);
 void Regra23(Estado& e);
 void Regra24(Estado& e);
 // Rules "24" and "27": by chance X1%, the candidates whose `campoCandidata` shares no value with
-// the last song's `campoUltima` go. "24" asks genre after sub-genre, "27" the reverse.
-void RegraGeneroInfluente(Estado& e, long campoUltima, long campoCandidata);
+// the last song's `campoUltima` go. "24" asks genre after sub-genre, "27" the reverse; `regra`
+// is the one whose period applies.
+void RegraGeneroInfluente(Estado& e, const DescricaoRegra& regra, long campoUltima,
+                          long campoCandidata);
 void Regra25(Estado& e);
 void Regra26(Estado& e);
 void Regra27(Estado& e);

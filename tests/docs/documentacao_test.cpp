@@ -1,24 +1,28 @@
 // The documents shipped with the package against the program: every performed rule has its
-// section in rules.md, every example file decodes, and the help points only to documents that
-// exist.
+// section in rules.md, showing the period and filters of its description, every example file
+// decodes, and the help points only to documents that exist.
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <regex>
 #include <set>
 #include <sstream>
 #include <string>
+#include <vector>
 
+#include "base/texto.h"
 #include "cli/comandos.h"
-#include "rules/regras.h"
+#include "rules/descricoes.h"
 
 namespace lumavox {
 namespace {
 
 namespace fs = std::filesystem;
 
-const fs::path kDocs = fs::path(__FILE__).parent_path().parent_path().parent_path() / "docs";
+// From the build, not from __FILE__: a compiler cache may have made the source path relative.
+const fs::path kDocs = LUMAVOX_DOCS;
 
 struct Saida {
   int codigo;
@@ -36,23 +40,65 @@ std::string Ler(const fs::path& arquivo) {
   return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
-TEST(Documentacao, CadaRegraRealizadaTemSuaSecaoENenhumaOutra) {
-  const std::string texto = Ler(kDocs / "rules.md");
-  ASSERT_FALSE(texto.empty()) << kDocs / "rules.md";
-  std::set<std::string> secoes;
-  const std::regex titulo(R"(^## Regra (\d\d) — \S)", std::regex::multiline);
-  for (auto it = std::sregex_iterator(texto.begin(), texto.end(), titulo); it != std::sregex_iterator(); ++it)
-    secoes.insert((*it)[1]);
+// Every match of `padrao` in `texto`, which must outlive them.
+std::vector<std::smatch> Achados(const std::string& texto, const std::regex& padrao) {
+  return {std::sregex_iterator(texto.begin(), texto.end(), padrao), std::sregex_iterator()};
+}
 
-  int realizadas = 0;
-  for (int n = 0; n <= 99; ++n) {
-    const std::string id = (n < 10 ? "0" : "") + std::to_string(n);
-    const std::u16string id16(id.begin(), id.end());
-    const bool realizada = ProcurarRegra(id16).procedimento != nullptr;
-    realizadas += realizada;
-    EXPECT_EQ(secoes.count(id) == 1, realizada) << "regra " << id;
+// The "## Regra NN — " sections of rules.md by number, each up to the next heading.
+std::map<std::string, std::string> SecoesDasRegras() {
+  const std::string texto = Ler(kDocs / "rules.md");
+  std::map<std::string, std::string> secoes;
+  const std::regex titulo(R"(^## Regra (\d\d) — \S)", std::regex::multiline);
+  for (const std::smatch& m : Achados(texto, titulo)) {
+    const size_t inicio = static_cast<size_t>(m.position());
+    secoes[m[1]] = texto.substr(inicio, texto.find("\n## ", inicio + 1) - inicio);
   }
-  EXPECT_GT(realizadas, 0);
+  return secoes;
+}
+
+std::string Numero(const DescricaoRegra& d) { return ParaUtf8(d.numero); }
+
+// The variable numbers a table cell names ("X2, X3, X4").
+std::set<int> Variaveis(const std::string& celula) {
+  std::set<int> numeros;
+  for (const std::smatch& m : Achados(celula, std::regex(R"(X(\d+))")))
+    numeros.insert(std::stoi(m[1]));
+  return numeros;
+}
+
+TEST(Documentacao, CadaRegraRealizadaTemSuaSecaoENenhumaOutra) {
+  const auto secoes = SecoesDasRegras();
+  ASSERT_FALSE(secoes.empty()) << kDocs / "rules.md";
+  for (const DescricaoRegra& d : DescricoesRegras())
+    EXPECT_EQ(secoes.count(Numero(d)) == 1, d.procedimento != nullptr) << "regra " << Numero(d);
+  for (const auto& secao : secoes)
+    EXPECT_NE(ProcurarDescricao(DeUtf8(secao.first)), nullptr) << "regra " << secao.first;
+}
+
+// Each section's table of variables names the period and the filters its description gives.
+TEST(Documentacao, TabelaDeCadaRegraMostraOPeriodoEOsFiltrosDaDescricao) {
+  const auto secoes = SecoesDasRegras();
+  const std::regex linha(R"(^\| (X[X\d, ]+) \| ([^|]*)\|)", std::regex::multiline);
+  for (const DescricaoRegra& d : DescricoesRegras()) {
+    const auto secao = secoes.find(Numero(d));
+    if (secao == secoes.end()) continue;
+    const std::string& texto = secao->second;
+    std::set<int> periodo, filtros;
+    for (const std::smatch& m : Achados(texto, linha)) {
+      const std::string sentido = m[2];
+      const std::set<int> variaveis = Variaveis(m[1]);
+      if (sentido.rfind("the period", 0) == 0) periodo.insert(variaveis.begin(), variaveis.end());
+      if (sentido.find("filter") != std::string::npos)
+        filtros.insert(variaveis.begin(), variaveis.end());
+    }
+    EXPECT_EQ(periodo, (std::set<int>{d.periodo.data, d.periodo.inicio, d.periodo.fim}))
+        << "regra " << Numero(d);
+    std::set<int> filtrosDaDescricao;
+    for (int n = 1; n <= kVariaveisPorRegra; ++n)
+      if (d.filtros.Contem(n)) filtrosDaDescricao.insert(n);
+    EXPECT_EQ(filtros, filtrosDaDescricao) << "regra " << Numero(d);
+  }
 }
 
 TEST(Documentacao, CadaArquivoDeExemploDecodifica) {

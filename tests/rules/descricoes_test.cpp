@@ -1,0 +1,103 @@
+// The rule descriptions against the numbers the engine dispatches and the variables each
+// procedure reads.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "apoio/estado_teste.h"
+#include "base/erro.h"
+#include "rules/descricoes.h"
+#include "rules/regras.h"
+
+namespace lumavox {
+namespace {
+
+using teste::EstadoTeste;
+
+std::string Utf8(std::u16string_view t) { return ParaUtf8(t); }
+
+TEST(DescricoesRegras, NumerosProcuradosSoPeloTextoExato) {
+  ASSERT_EQ(DescricoesRegras().size(), 34u);
+  for (const DescricaoRegra& d : DescricoesRegras()) {
+    EXPECT_EQ(ProcurarDescricao(d.numero), &d);
+    EXPECT_EQ(&DescricaoDaRegra(std::stoi(Utf8(d.numero))), &d);
+    EXPECT_EQ(ProcurarRegra(d.numero).procedimento, d.procedimento);
+    EXPECT_TRUE(ProcurarRegra(d.numero).conhecida);
+  }
+  for (std::u16string_view outro : {u"1", u" 01", u"01 ", u"00", u"35", u"", u"O1"}) {
+    EXPECT_EQ(ProcurarDescricao(outro), nullptr) << Utf8(outro);
+    EXPECT_FALSE(ProcurarRegra(outro).conhecida) << Utf8(outro);
+  }
+  EXPECT_THROW(DescricaoDaRegra(0), std::out_of_range);
+  EXPECT_THROW(DescricaoDaRegra(35), std::out_of_range);
+
+  std::string semProcedimento;
+  for (const DescricaoRegra& d : DescricoesRegras())
+    if (!d.procedimento) semProcedimento += Utf8(d.numero) + " ";
+  EXPECT_EQ(semProcedimento, "09 10 11 14 15 16 17 18 19 20 21 ");
+}
+
+TEST(DescricoesRegras, TextoDeReferenciaTerminaNoPeriodoDaRegra) {
+  for (const DescricaoRegra& d : DescricoesRegras()) {
+    if (!d.procedimento) continue;
+    const PeriodoRegra& p = d.periodo;
+    const std::string colchete = "[(X" + std::to_string(p.data) + ")DATA / ENTRE (X" +
+                                 std::to_string(p.inicio) + ") E (X" + std::to_string(p.fim) + ")]";
+    const std::string texto = Utf8(d.texto);
+    EXPECT_NE(texto.find(colchete), std::string::npos) << Utf8(d.numero) << ": " << texto;
+  }
+}
+
+// Values that get each procedure past the checks it makes before its period; the other rules
+// check their period first.
+const std::map<std::u16string_view, std::vector<std::string>> kAntesDoPeriodo{
+    {u"02", {"Não", "Artista:Geral*", "1"}},
+    {u"03", {"1", "Sim", "Genero:Geral*"}},
+    // These raise on an empty X1 after the period, which would hide a period never read.
+    {u"13", {"3"}},
+    {u"31", {"3"}},
+    {u"32", {"2"}},
+};
+
+TEST(DescricoesRegras, CadaProcedimentoLeOPeriodoDasVariaveisDaDescricao) {
+  struct Caso {
+    const char* nome;
+    std::string data, inicio, fim;
+    bool erro;
+  };
+  const Caso casos[] = {
+      {"em vigor", "22/11/2026", "00:00", "23:59:59", false},
+      {"data ruim", "amanhã", "", "", true},
+      {"início ruim", "", "25:00", "23:00", true},
+      {"fim ruim", "", "00:00", "25:00", true},
+  };
+  for (const DescricaoRegra& d : DescricoesRegras()) {
+    if (!d.procedimento) continue;
+    for (const Caso& c : casos) {
+      EstadoTeste t;
+      t.Musica(1).TodasCandidatas();
+      t->selecao.CliqueAtual = 1;
+      std::vector<std::string> vars(kVariaveisPorRegra);
+      if (auto it = kAntesDoPeriodo.find(d.numero); it != kAntesDoPeriodo.end())
+        std::copy(it->second.begin(), it->second.end(), vars.begin());
+      vars[static_cast<size_t>(d.periodo.data - 1)] = c.data;
+      vars[static_cast<size_t>(d.periodo.inicio - 1)] = c.inicio;
+      vars[static_cast<size_t>(d.periodo.fim - 1)] = c.fim;
+      t.RegraAtual(Utf8(d.numero), vars);
+      bool erro = false;
+      try {
+        d.procedimento(t.E());
+      } catch (const ErroExecucao& ex) {
+        erro = ex.Codigo() == CodigoErro::TiposIncompativeis;
+      }
+      EXPECT_EQ(erro, c.erro) << "regra " << Utf8(d.numero) << ", " << c.nome;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace lumavox
