@@ -38,6 +38,8 @@ TEST(DescricoesRegras, NumerosProcuradosSoPeloTextoExato) {
   std::string semProcedimento;
   for (const DescricaoRegra& d : DescricoesRegras())
     if (!d.procedimento) semProcedimento += Utf8(d.numero) + " ";
+  for (const DescricaoRegra& d : DescricoesRegras())
+    EXPECT_EQ(d.procedimento != nullptr, d.periodo.Existe()) << Utf8(d.numero);
   EXPECT_EQ(semProcedimento, "09 10 11 14 15 16 17 18 19 20 21 ");
 }
 
