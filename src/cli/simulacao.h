@@ -84,16 +84,4 @@ Figuras CalcularFiguras(const Simulacao& s, const MesmoArtista& mesmoArtista, si
 nlohmann::ordered_json SimulacaoJson(const Simulacao& s, const Figuras& f);
 std::string SimulacaoHtml(const Simulacao& s, const Figuras& f);
 
-// The level curve of `simular --curva`: lines "HH:MM level" (level 0..100), "#" comments and
-// blank lines ignored. The level of a moment is that of the latest point at or before its time
-// of day; before the first point the day's last point still holds. Raises std::runtime_error
-// naming the line when a line does not read.
-struct CurvaNivel {
-  std::vector<std::pair<int, int>> pontos;  // seconds of the day, level; sorted
-  int NivelEm(DataHora momento) const;
-  // The next moment after `momento` at which the level may change.
-  DataHora ProximaMudanca(DataHora momento) const;
-};
-CurvaNivel LerCurvaNivel(std::string_view texto, const std::string& origem);
-
 }  // namespace lumavox::cli

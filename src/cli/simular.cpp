@@ -17,6 +17,7 @@
 #include "base/arquivos.h"
 #include "base/numeros.h"
 #include "cli/comandos.h"
+#include "cli/curva_nivel.h"
 #include "cli/progresso.h"
 #include "cli/relatorio.h"
 #include "cli/simulacao.h"
