@@ -1,9 +1,7 @@
 // What a simulated stretch of air time recorded (each play, each rule outcome, the level over
-// time), the figures drawn from it, and the two ways of showing them: a JSON document and one
-// self-contained HTML page with its plots drawn as inline SVG.
+// time), the figures drawn from it, and one self-contained HTML page showing them with its
+// plots drawn as inline SVG.
 #pragma once
-
-#include <nlohmann/json.hpp>
 
 #include <cstdint>
 #include <functional>
@@ -81,7 +79,6 @@ using MesmoArtista = std::function<bool(const Texto&, const Texto&)>;
 
 Figuras CalcularFiguras(const Simulacao& s, const MesmoArtista& mesmoArtista, size_t quantasMaisTocadas = 10);
 
-nlohmann::ordered_json SimulacaoJson(const Simulacao& s, const Figuras& f);
 std::string SimulacaoHtml(const Simulacao& s, const Figuras& f);
 
 }  // namespace lumavox::cli
