@@ -1,6 +1,6 @@
 // What a simulated stretch of air time recorded (each play, each rule outcome, the level over
-// time), the figures drawn from it, and one self-contained HTML page showing them with its
-// plots drawn as inline SVG.
+// time) and the figures drawn from it: plays per hour, the shortest repeats of an artist and of
+// a title, the most played songs. Showing them is simulacao_json's and simulacao_html's job.
 #pragma once
 
 #include <cstdint>
@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "base/datas.h"
@@ -77,8 +78,7 @@ struct Figuras {
 // Two artist tags name the same artist (the engine's own comparison, by pieces).
 using MesmoArtista = std::function<bool(const Texto&, const Texto&)>;
 
+// The most played list keeps `quantasMaisTocadas` songs, ties in code order.
 Figuras CalcularFiguras(const Simulacao& s, const MesmoArtista& mesmoArtista, size_t quantasMaisTocadas = 10);
-
-std::string SimulacaoHtml(const Simulacao& s, const Figuras& f);
 
 }  // namespace lumavox::cli

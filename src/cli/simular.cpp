@@ -21,6 +21,7 @@
 #include "cli/progresso.h"
 #include "cli/relatorio.h"
 #include "cli/simulacao.h"
+#include "cli/simulacao_html.h"
 #include "cli/simulacao_json.h"
 #include "cli/subcomandos.h"
 #include "cli/tocador.h"
