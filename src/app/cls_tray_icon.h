@@ -29,10 +29,6 @@ class clsTrayIcon : public QObject {
   // The tip field holds 64 characters including its terminating zero.
   static constexpr int kCampoDica = 64;
 
-  // Header of the error dump, kept with the class.
-  static constexpr const char* kTituloDump = "clsTrayIcon Class Module Errors";
-  static constexpr const char* kReguaDump = "-------------------------------";
-
   // Starts with an empty error list (count -1).
   explicit clsTrayIcon(QObject* parent = nullptr);
 

@@ -13,8 +13,6 @@ class ListaArquivos : public QListWidget {
  public:
   explicit ListaArquivos(QWidget* parent = nullptr);
 
-  const QString& Pasta() const { return pasta_; }
-  const QString& Padrao() const { return padrao_; }
   void DefinirPasta(const QString& pasta);
   void DefinirPadrao(const QString& padrao);
   void Atualizar();

@@ -50,7 +50,6 @@ class Sorteio {
   int Entre(int a, int b) { return std::uniform_int_distribution<int>(a, b)(g_); }
   const std::string& De(const Lista& l) { return l[static_cast<size_t>(Entre(0, static_cast<int>(l.size()) - 1))]; }
   bool Chance(int porcento) { return Entre(1, 100) <= porcento; }
-  std::mt19937& Gerador() { return g_; }
 
  private:
   std::mt19937 g_;

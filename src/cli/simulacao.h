@@ -1,9 +1,7 @@
 // What a simulated stretch of air time recorded (each play, each rule outcome, the level over
-// time), the figures drawn from it, and the two ways of showing them: a JSON document and one
-// self-contained HTML page with its plots drawn as inline SVG.
+// time) and the figures drawn from it: plays per hour, the shortest repeats of an artist and of
+// a title, the most played songs. Showing them is simulacao_json's and simulacao_html's job.
 #pragma once
-
-#include <nlohmann/json.hpp>
 
 #include <cstdint>
 #include <functional>
@@ -11,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "base/datas.h"
@@ -79,21 +78,7 @@ struct Figuras {
 // Two artist tags name the same artist (the engine's own comparison, by pieces).
 using MesmoArtista = std::function<bool(const Texto&, const Texto&)>;
 
+// The most played list keeps `quantasMaisTocadas` songs, ties in code order.
 Figuras CalcularFiguras(const Simulacao& s, const MesmoArtista& mesmoArtista, size_t quantasMaisTocadas = 10);
-
-nlohmann::ordered_json SimulacaoJson(const Simulacao& s, const Figuras& f);
-std::string SimulacaoHtml(const Simulacao& s, const Figuras& f);
-
-// The level curve of `simular --curva`: lines "HH:MM level" (level 0..100), "#" comments and
-// blank lines ignored. The level of a moment is that of the latest point at or before its time
-// of day; before the first point the day's last point still holds. Raises std::runtime_error
-// naming the line when a line does not read.
-struct CurvaNivel {
-  std::vector<std::pair<int, int>> pontos;  // seconds of the day, level; sorted
-  int NivelEm(DataHora momento) const;
-  // The next moment after `momento` at which the level may change.
-  DataHora ProximaMudanca(DataHora momento) const;
-};
-CurvaNivel LerCurvaNivel(std::string_view texto, const std::string& origem);
 
 }  // namespace lumavox::cli

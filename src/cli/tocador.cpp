@@ -12,10 +12,6 @@
 
 namespace lumavox::cli {
 
-namespace {
-constexpr long kCampoDuracaoSec = 17;
-}  // namespace
-
 float AmbienteSimulado::Aleatorio() { return SortearFloat(gerador_); }
 
 TocadorSimulado::TocadorSimulado(fs::path pasta, bool copiaDescartavel)

@@ -184,7 +184,7 @@ ResultadoExecucao Motor::TestarRegras() {
     }
 
     if (sel.MusicasEscolhidas > 1) {
-      const double duracao = ValorNumerico(a.AcervoTags(escolhido, 17));
+      const double duracao = ValorNumerico(a.AcervoTags(escolhido, kCampoDuracaoSec));
       if (std::isfinite(duracao) && std::fabs(duracao) < 1e9)
         sel.DataHoraReferencia = SomarSegundos(sel.DataHoraReferencia, static_cast<int64_t>(ArredondarPar(duracao)));
     }

@@ -99,7 +99,7 @@ bool ConferirTagArtista(Estado& e, const FiltroPreparado& f, long slot) {
 bool ConferirPedaco(std::u16string_view pedaco, std::u16string_view lista, int16_t campo) {
   PedacosTexto l;
   l.Preparar(lista, TipoDoCampo(campo));
-  return l.ContemPedaco(Maiusculas(pedaco), campo == 32 ? ValorNumerico(pedaco) : 0.0);
+  return l.ContemPedaco(Maiusculas(pedaco), campo == kCampoVibe ? ValorNumerico(pedaco) : 0.0);
 }
 
 bool CompararArtistas(Estado& e, std::u16string_view a, std::u16string_view b, int16_t campo) {

@@ -38,7 +38,7 @@ bool Iguais(std::u16string_view a, std::u16string_view b) {
 
 TipoDivisao TipoDoCampo(int16_t campo) {
   if (campo == 0) return TipoDivisao::Artista;
-  if (campo == 32) return TipoDivisao::Vibe;
+  if (campo == kCampoVibe) return TipoDivisao::Vibe;
   return TipoDivisao::PontoEVirgula;
 }
 

@@ -25,6 +25,7 @@ constexpr long kCampoVibe = 32;
 constexpr long kCampoGenero = 5;
 constexpr long kCampoBpm = 7;
 constexpr long kCampoNota = 8;
+constexpr long kCampoDuracaoSec = 17;
 constexpr long kCampoVelocidade = 18;
 constexpr long kCampoRitmo = 24;
 constexpr long kCampoGeneroSub = 27;

@@ -81,8 +81,4 @@ void BancoLogs::Registrar(const std::vector<RegistroLog>& registros) {
 
 void CriarBancoLogs(const fs::path& arquivo) { BancoLogs banco(arquivo); }
 
-void RegistrarLogBanco(const fs::path& arquivo, int32_t musica, DataHora data, int32_t tipo) {
-  BancoLogs(arquivo).Registrar({musica, data, tipo});
-}
-
 }  // namespace lumavox

@@ -43,7 +43,5 @@ class BancoLogs {
 
 // Creates the log database with its table Logs and view VIEWLogs; an existing one is kept.
 void CriarBancoLogs(const fs::path& arquivo);
-// Appends one entry to the log database, creating it when missing.
-void RegistrarLogBanco(const fs::path& arquivo, int32_t musica, DataHora data, int32_t tipo);
 
 }  // namespace lumavox

@@ -18,14 +18,9 @@ namespace fs = std::filesystem;
 
 inline constexpr const char* kArquivoLogsMdb = "lumavox.mdb";
 
-// The connection the station's Windows programs open the same file with is
-//   kProvedorJet + kOrigemDadosJet + folder + "\lumavox.mdb;" + kSenhaJet + kSenhaLogs + ";"
-// with an empty user name. libmdb reads the pages without the password; it is kept here so
-// the database stays recognisable and openable by those programs' means.
-inline constexpr const char* kProvedorJet = "Provider=Microsoft.Jet.OLEDB.4.0;";
-inline constexpr const char* kOrigemDadosJet = "Data Source= ";
-inline constexpr const char* kSenhaJet = "Jet OLEDB:Database Password=";
-inline constexpr const char* kSenhaLogs = "qmv73140862";
+// The station's Windows programs open the same file with the connection string
+//   Provider=Microsoft.Jet.OLEDB.4.0;Data Source= <folder>\lumavox.mdb;Jet OLEDB:Database Password=qmv73140862;
+// and an empty user name. libmdb reads the pages without the password.
 
 using LinhaBanco = std::vector<ValorBanco>;
 

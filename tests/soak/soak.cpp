@@ -244,7 +244,7 @@ class Soak {
     Estado& e = motor_->E();
     int64_t duracao = 180;
     for (long i = 0; i < e.acervo().TotalMusicas; ++i)
-      if (e.acervo().AcervoCodigos[i] == codigo) duracao = static_cast<int64_t>(ValorNumerico(e.acervo().AcervoTags(i, 17)));
+      if (e.acervo().AcervoCodigos[i] == codigo) duracao = static_cast<int64_t>(ValorNumerico(e.acervo().AcervoTags(i, kCampoDuracaoSec)));
     ambiente_.DefinirAgora(SomarSegundos(ambiente_.Agora(), std::clamp<int64_t>(duracao, 30, 900)));
   }
 
