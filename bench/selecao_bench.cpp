@@ -43,7 +43,8 @@ void BM_UmaSelecao(benchmark::State& state) {
   const fs::path fila = EstacaoSelecao() / "list";
   for (auto _ : state) {
     state.PauseTiming();
-    ApagarArquivo(ListarArquivos(fila, ".lre").front());  // the player took one
+    // The player took one.
+    ApagarArquivo(ArquivosReais(), ListarArquivos(ArquivosReais(), fila, ".lre").front());
     e.ContagemRecarga = 100;
     state.ResumeTiming();
     benchmark::DoNotOptimize(motor.TestarRegras());

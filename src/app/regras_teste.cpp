@@ -227,7 +227,7 @@ void RegrasTeste::LerDebug() {
   std::error_code ec;
   const auto momento = std::filesystem::last_write_time(arquivo, ec);
   if (ec) return;
-  const std::optional<Texto> linha = LerPrimeiraLinha(arquivo);
+  const std::optional<Texto> linha = LerPrimeiraLinha(motor_->Amb().Arquivos(), arquivo);
   if (!linha) return;
   if (ultimoDebug_ && ultimoDebug_->first == momento && ultimoDebug_->second == *linha) return;
   ultimoDebug_.emplace(momento, *linha);

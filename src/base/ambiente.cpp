@@ -4,6 +4,8 @@
 #include <ctime>
 #include <thread>
 
+#include "base/sistema_arquivos.h"
+
 namespace lumavox {
 
 float SortearFloat(std::mt19937& gerador) {
@@ -23,6 +25,8 @@ DataHora AgoraLocal() {
                         local.tm_min, local.tm_sec);
 }
 
+SistemaArquivos& Ambiente::Arquivos() { return ArquivosReais(); }
+
 AmbienteReal::AmbienteReal() { SemearPeloRelogio(); }
 
 DataHora AmbienteReal::Agora() { return AgoraLocal(); }
@@ -39,5 +43,7 @@ void AmbienteReal::SemearPeloRelogio() {
 }
 
 float AmbienteFixo::Aleatorio() { return SortearFloat(gerador_); }
+
+SistemaArquivos& AmbienteFixo::Arquivos() { return arquivos_ ? *arquivos_ : ArquivosReais(); }
 
 }  // namespace lumavox

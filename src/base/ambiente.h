@@ -1,6 +1,6 @@
-// What the engine asks of the machine it runs on: the present moment, a blocking wait and a
-// random source. The engine only sees this interface so tests and the CLI can freeze time,
-// skip the waits and seed the draws.
+// What the engine asks of the machine it runs on: the present moment, a blocking wait, a
+// random source and the files. The engine only sees this interface so tests and the CLI can
+// freeze time, skip the waits, seed the draws and break the disk.
 #pragma once
 
 #include <cstdint>
@@ -10,6 +10,8 @@
 
 namespace lumavox {
 
+class SistemaArquivos;
+
 class Ambiente {
  public:
   virtual ~Ambiente() = default;
@@ -17,6 +19,7 @@ class Ambiente {
   virtual void Esperar(int milissegundos) = 0;
   virtual float Aleatorio() = 0;              // uniform in [0, 1), single precision
   virtual void SemearPeloRelogio() = 0;       // reseed the random source from the clock
+  virtual SistemaArquivos& Arquivos();        // the machine's own unless a subclass says
 };
 
 // The real machine: system clock in local time, real sleeps, a clock-seeded generator.
@@ -41,14 +44,18 @@ class AmbienteFixo : public Ambiente {
   void Esperar(int milissegundos) override { esperado_ms_ += milissegundos; }
   float Aleatorio() override;
   void SemearPeloRelogio() override {}
+  SistemaArquivos& Arquivos() override;
 
   void DefinirAgora(DataHora agora) { agora_ = agora; }
+  // The files the engine sees from now on; the real ones until this is called.
+  void DefinirArquivos(SistemaArquivos& arquivos) { arquivos_ = &arquivos; }
   long long EsperadoMs() const { return esperado_ms_; }
 
  private:
   DataHora agora_;
   std::mt19937 gerador_;
   long long esperado_ms_ = 0;
+  SistemaArquivos* arquivos_ = nullptr;
 };
 
 float SortearFloat(std::mt19937& gerador);

@@ -1,6 +1,7 @@
 // File access for the station folder. Reads and writes raise ErroExecucao (file not found,
 // permission, I/O) so each caller decides, as its procedure says, whether the failure ends
-// its work or is ignored.
+// its work or is ignored. The engine passes its own SistemaArquivos; the forms without one are
+// for the tools, which always work on the real disk.
 #pragma once
 
 #include <filesystem>
@@ -8,17 +9,22 @@
 #include <string_view>
 #include <vector>
 
+#include "base/sistema_arquivos.h"
 #include "base/texto.h"
 
 namespace lumavox {
 
 namespace fs = std::filesystem;
 
-std::string LerBytes(const fs::path& caminho);
-std::vector<Texto> LerLinhas(const fs::path& caminho);  // UTF-8 / Windows-1252, LF or CRLF
-void EscreverBytes(const fs::path& caminho, std::string_view bytes);
+// UTF-8 / Windows-1252, LF or CRLF.
+std::vector<Texto> LerLinhas(SistemaArquivos& arquivos, const fs::path& caminho);
 // Creates or truncates the file and writes one line with the platform's line end (CRLF on
 // Windows, LF elsewhere); every reader of the engine takes both.
+void EscreverLinha(SistemaArquivos& arquivos, const fs::path& caminho, std::u16string_view linha);
+
+std::string LerBytes(const fs::path& caminho);
+std::vector<Texto> LerLinhas(const fs::path& caminho);
+void EscreverBytes(const fs::path& caminho, std::string_view bytes);
 void EscreverLinha(const fs::path& caminho, std::u16string_view linha);
 bool ArquivoExiste(const fs::path& caminho) noexcept;
 

@@ -71,7 +71,7 @@ void MostrarTabela(Contexto& ctx, const std::string& arquivo) {
   agenda->Limpar();
   std::string erro;
   try {
-    CarregarTabelaAgenda(*agenda, 0, arquivo);
+    CarregarTabelaAgenda(ArquivosReais(), *agenda, 0, arquivo);
   } catch (const ErroExecucao& e) {
     erro = e.what();
   }

@@ -215,7 +215,7 @@ void ExecutarSimular(Contexto& ctx, const OpcoesSimular& op) {
     sim.origemNivel = "fixo em " + std::to_string(nivelFixo);
   } else if (curva) {
     sim.origemNivel = "curva " + fs::path(op.curva).filename().string();
-  } else if (auto linha = LerPrimeiraLinha(estacao / "ritmo.rer")) {
+  } else if (auto linha = LerPrimeiraLinha(ArquivosReais(), estacao / "ritmo.rer")) {
     nivelFixo = std::clamp(static_cast<int>(ArredondarPar(ValorNumerico(*linha))), 0, 100);
     sim.origemNivel = "fixo em " + std::to_string(nivelFixo) + " (ritmo.rer da estação)";
   } else {

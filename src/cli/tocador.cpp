@@ -23,14 +23,14 @@ TocadorSimulado::TocadorSimulado(fs::path pasta, bool copiaDescartavel)
 TocadorSimulado::~TocadorSimulado() = default;
 
 std::optional<Tocada> TocadorSimulado::TocarProxima(DataHora momento, std::string* aviso) {
-  const auto fila = ListarArquivos(pasta_ / "list", ".lre");
+  const auto fila = ListarArquivos(ArquivosReais(), pasta_ / "list", ".lre");
   if (fila.empty()) return std::nullopt;
   Tocada t;
   t.nomeFila = fila.front().filename().string();
   t.codigo = static_cast<int32_t>(ValorNumerico(DeUtf8(t.nomeFila.substr(7, t.nomeFila.find('_', 7) - 7))));
   // The player takes the entry: it leaves the queue and its media with it.
-  ApagarArquivo(fila.front());
-  ApagarArquivo(pasta_ / "temp" / (t.nomeFila.substr(0, 6) + ".mrt"));
+  ApagarArquivo(ArquivosReais(), fila.front());
+  ApagarArquivo(ArquivosReais(), pasta_ / "temp" / (t.nomeFila.substr(0, 6) + ".mrt"));
   if (registrar_) {
     try {
       if (!banco_) {

@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-#include "base/arquivos.h"
+#include "base/sistema_arquivos.h"
 #include "base/numeros.h"
 #include "engine/despacho.h"
 #include "engine/registro.h"
@@ -24,21 +24,12 @@ constexpr int kEsperaEntregaMs = 800;
 constexpr int kEsperaAcervoPequenoMs = 60000;
 constexpr int64_t kMaiorContador = 999999;
 
-std::optional<MarcaArquivo> MarcaDe(const fs::path& arquivo) {
-  std::error_code ec;
-  const auto momento = fs::last_write_time(arquivo, ec);
-  if (ec) return std::nullopt;
-  const auto tamanho = fs::file_size(arquivo, ec);
-  if (ec) return std::nullopt;
-  return MarcaArquivo{momento, tamanho};
-}
-
 }  // namespace
 
 void Motor::LerNivel() {
   Execucao& x = estado_.execucao;
   while (x.Tentativas < 100) {
-    std::optional<Texto> linha = LerPrimeiraLinha(caminhoApp_ / "ritmo.rer");
+    std::optional<Texto> linha = LerPrimeiraLinha(ambiente_.Arquivos(), caminhoApp_ / "ritmo.rer");
     if (!linha) {
       ++x.Tentativas;
       continue;
@@ -60,12 +51,13 @@ void Motor::LerNivel() {
 
 void Motor::LerAvanco() {
   Execucao& x = estado_.execucao;
+  SistemaArquivos& arquivos = ambiente_.Arquivos();
   const fs::path arquivo = caminhoApp_ / "avancar.rer";
   // A click whose file could not be deleted is read once: the same file is the same click
   // until the player writes it again.
-  const std::optional<MarcaArquivo> marca = MarcaDe(arquivo);
+  const std::optional<MarcaArquivo> marca = arquivos.Marca(arquivo);
   std::optional<Texto> linha;
-  if (!avancoNaoApagado_ || marca != avancoNaoApagado_) linha = LerPrimeiraLinha(arquivo);
+  if (!avancoNaoApagado_ || marca != avancoNaoApagado_) linha = LerPrimeiraLinha(arquivos, arquivo);
   if (!linha) {
     x.CliqueAvancar = 0;
     return;
@@ -76,7 +68,7 @@ void Motor::LerAvanco() {
   } catch (const ErroExecucao&) {
   }
   avancoNaoApagado_.reset();
-  if (!ApagarArquivo(arquivo)) avancoNaoApagado_ = marca;
+  if (!ApagarArquivo(arquivos, arquivo)) avancoNaoApagado_ = marca;
 }
 
 long Motor::EscolherMusica() {
@@ -106,25 +98,26 @@ long Motor::EscolherMusica() {
 ResultadoExecucao Motor::TestarRegras() {
   Execucao& x = estado_.execucao;
   Selecao& sel = estado_.selecao;
+  SistemaArquivos& arquivos = ambiente_.Arquivos();
   const fs::path pastaFila = caminhoApp_ / "list";
   const fs::path pastaTemp = caminhoApp_ / "temp";
   ResultadoExecucao resultado;
 
   x.Tentativas = 0;
   if (x.Iniciado == 0) {
-    ApagarArquivos(ListarArquivos(pastaFila, ".lre"));
-    ApagarArquivos(ListarArquivos(pastaTemp, ".mrt"));
+    ApagarArquivos(arquivos, ListarArquivos(arquivos, pastaFila, ".lre"));
+    ApagarArquivos(arquivos, ListarArquivos(arquivos, pastaTemp, ".mrt"));
   }
   ambiente_.SemearPeloRelogio();
   sel.DataHoraReferencia = ambiente_.Agora();
   x.CliqueAvancar = 0;
   LerNivel();
 
-  auto Fila = [&] { return ListarArquivos(pastaFila, ".lre"); };
+  auto Fila = [&] { return ListarArquivos(arquivos, pastaFila, ".lre"); };
   // A voided queue entry takes its media along: nothing would ever play or delete it.
   auto Anular = [&](const fs::path& entrada) {
-    ApagarArquivo(entrada);
-    ApagarArquivo(pastaTemp / (entrada.filename().string().substr(0, 6) + ".mrt"));
+    ApagarArquivo(arquivos, entrada);
+    ApagarArquivo(arquivos, pastaTemp / (entrada.filename().string().substr(0, 6) + ".mrt"));
   };
   if (x.Iniciado && Fila().size() >= 2 && x.NivelMudou == 0 && x.CliqueAvancar == 0) {
     return resultado;
@@ -167,19 +160,18 @@ ResultadoExecucao Motor::TestarRegras() {
 
     x.ContadorSaida = x.ContadorSaida >= kMaiorContador ? 1 : x.ContadorSaida + 1;
     // The hand-over folders are made again if something removed them.
-    std::error_code ec;
-    fs::create_directories(pastaTemp, ec);
-    fs::create_directories(pastaFila, ec);
+    arquivos.CriarPastas(pastaTemp);
+    arquivos.CriarPastas(pastaFila);
     const std::string nomeTemp = NomeArquivoTemp(x.ContadorSaida);
-    if (GerarArquivoSaida(caminhoApp_ / "mre" / NomeArquivoMusica(codigo), x.ContadorSaida, caminhoApp_))
+    if (GerarArquivoSaida(arquivos, caminhoApp_ / "mre" / NomeArquivoMusica(codigo), x.ContadorSaida, caminhoApp_))
       feita.mrt = "temp/" + nomeTemp;
     ambiente_.Esperar(kEsperaEntregaMs);
     const std::string nomeFila = NomeArquivoFila(x.ContadorSaida, codigo, x.NivelAtual);
-    if (EscreverFila(caminhoApp_, nomeFila, codigo)) {
+    if (EscreverFila(arquivos, caminhoApp_, nomeFila, codigo)) {
       feita.lre = "list/" + nomeFila;
     } else if (feita.mrt) {
       // Media without a queue entry would never be played nor deleted: it goes at once.
-      ApagarArquivo(pastaTemp / nomeTemp);
+      ApagarArquivo(arquivos, pastaTemp / nomeTemp);
       feita.mrt.reset();
     }
 

@@ -16,7 +16,7 @@ Motor::Motor(fs::path caminhoApp, Ambiente& ambiente)
 }
 
 bool Motor::DetectarModoDebug() {
-  estado_.ModoDebug = ArquivoExiste(caminhoApp_ / "debug.red");
+  estado_.ModoDebug = ambiente_.Arquivos().ArquivoExiste(caminhoApp_ / "debug.red");
   return estado_.ModoDebug;
 }
 
@@ -47,9 +47,13 @@ void Motor::Iniciar() {
   CarregarInicio();
 }
 
-void Motor::EscreverDebug(std::u16string_view texto) { lumavox::EscreverDebug(caminhoApp_, texto); }
+void Motor::EscreverDebug(std::u16string_view texto) {
+  lumavox::EscreverDebug(ambiente_.Arquivos(), caminhoApp_, texto);
+}
 
-void Motor::AbrirPlaylists() { lumavox::AbrirPlaylists(estado_.playlists, caminhoApp_); }
+void Motor::AbrirPlaylists() {
+  lumavox::AbrirPlaylists(ambiente_.Arquivos(), estado_.playlists, caminhoApp_);
+}
 
 void Motor::DefinirAcervo(int32_t CodAcervo, int16_t CarregarLogs) {
   (void)CodAcervo;  // carried along by its callers, never read
@@ -60,21 +64,21 @@ void Motor::DefinirAcervo(int32_t CodAcervo, int16_t CarregarLogs) {
     if (estado_.painel) estado_.painel->MostrarPlaylist(a.PastaDados);
 
     if (estado_.ModoDebug) EscreverDebug(u"Preparando a carregar tags");
-    CarregarColecao(a, a.PastaDados, [this](long slot) {
+    CarregarColecao(ambiente_.Arquivos(), a, a.PastaDados, [this](long slot) {
       // One line per line read, on purpose: the trace shows the exact line a load stopped at.
       if (estado_.ModoDebug) EscreverDebug(u"Musica: " + DeUtf8(std::to_string(slot)));
     });
   });
 
-  EscreverLinha(caminhoApp_ / "nreg.rer", DeUtf8(std::to_string(acervo.TotalMusicas)));
+  EscreverLinha(ambiente_.Arquivos(), caminhoApp_ / "nreg.rer", DeUtf8(std::to_string(acervo.TotalMusicas)));
 
   for (int n = 0; n <= 2; ++n)
-    CarregarArquivoRegras(estado_.catalogo, n,
+    CarregarArquivoRegras(ambiente_.Arquivos(), estado_.catalogo, n,
                           acervo.PastaDados / ("lxie" + std::to_string(n) + ".rdb"));
 
   estado_.agenda.Limpar();
   // A broken table stops only its own load; the cause goes to the debug trace.
-  for (const std::string& falha : CarregarTabelasAgenda(estado_.agenda, acervo.PastaDados))
+  for (const std::string& falha : CarregarTabelasAgenda(ambiente_.Arquivos(), estado_.agenda, acervo.PastaDados))
     if (estado_.ModoDebug) EscreverDebug(DeUtf8(falha));
 
   // Zero means "load the history"; the inverted reading is how every caller uses it.

@@ -11,15 +11,13 @@
 #include <utility>
 
 #include "base/ambiente.h"
+#include "base/sistema_arquivos.h"
 #include "state/estado.h"
 #include "engine/execucao.h"
 
 namespace lumavox {
 
 namespace fs = std::filesystem;
-
-// What tells one version of a small exchange file from the next: its write time and size.
-using MarcaArquivo = std::pair<fs::file_time_type, std::uintmax_t>;
 
 class Motor {
  public:

@@ -1,6 +1,5 @@
 #include "stores/acervo.h"
 
-#include "base/arquivos.h"
 #include "base/numeros.h"
 #include "stores/ritmo.h"
 #include "stores/codec.h"
@@ -23,12 +22,12 @@ double CalcularVibe(const Acervo& acervo, long slot) {
 
 std::string NomeArquivoMusica(int32_t codigo) { return FormatarZeros(codigo, 7) + ".mre"; }
 
-void CarregarColecao(Acervo& acervo, const fs::path& pasta,
+void CarregarColecao(SistemaArquivos& arquivos, Acervo& acervo, const fs::path& pasta,
                      const std::function<void(long slot)>& aposLinha) {
   const fs::path pastaMre = acervo.CaminhoApp / "mre";
   long s = 0;
   int k = 0;
-  ParaCadaLinhaCodificada(pasta / "lxdb.rdb", [&](Texto&& texto) {
+  ParaCadaLinhaCodificada(arquivos, pasta / "lxdb.rdb", [&](Texto&& texto) {
     if (k == 0) {
       int32_t codigo = TextoParaInteiro32(texto);
       acervo.AcervoCodigos[s] = codigo;
@@ -44,7 +43,7 @@ void CarregarColecao(Acervo& acervo, const fs::path& pasta,
       acervo.AcervoArquivos[s] = pastaMre / nome;
       // Only an existing file of exactly that name keeps the song; otherwise the next
       // record takes its slot.
-      if (ArquivoExiste(acervo.AcervoArquivos[s])) ++s;
+      if (arquivos.ArquivoExiste(acervo.AcervoArquivos[s])) ++s;
     }
     if (aposLinha) aposLinha(s);
   });

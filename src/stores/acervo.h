@@ -11,6 +11,7 @@
 #include <string_view>
 #include <utility>
 
+#include "base/sistema_arquivos.h"
 #include "base/texto.h"
 #include "base/vetor.h"
 
@@ -73,7 +74,7 @@ std::string NomeArquivoMusica(int32_t codigo);
 // and sets TotalMusicas at the end. `aposLinha` runs after every line read with the slot
 // counter (the debug trace). Raises on a missing file, an undecodable line, a non-numeric
 // code or a 4002nd song; TotalMusicas then keeps its previous value.
-void CarregarColecao(Acervo& acervo, const fs::path& pasta,
+void CarregarColecao(SistemaArquivos& arquivos, Acervo& acervo, const fs::path& pasta,
                      const std::function<void(long slot)>& aposLinha);
 
 }  // namespace lumavox

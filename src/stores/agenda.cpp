@@ -3,7 +3,6 @@
 #include <array>
 #include <optional>
 
-#include "base/arquivos.h"
 #include "base/erro.h"
 #include "base/numeros.h"
 #include "stores/codec.h"
@@ -100,13 +99,14 @@ fs::path ArquivoTabelaAgenda(const fs::path& pasta, long lugar) {
   return pasta / ("lxtb" + std::to_string(lugar) + ".rdb");
 }
 
-void CarregarTabelaAgenda(TabelasAgenda& agenda, long lugar, const fs::path& arquivo) {
+void CarregarTabelaAgenda(SistemaArquivos& arquivos, TabelasAgenda& agenda, long lugar,
+                          const fs::path& arquivo) {
   (void)agenda.TabelasNumero[lugar];  // a place past 0..5 raises before the file is read
   LeitorTabela leitor(agenda, lugar);
   long linha = 0;
   bool noLeitor = false;
   try {
-    ParaCadaLinhaCodificada(arquivo, [&](Texto&& texto) {
+    ParaCadaLinhaCodificada(arquivos, arquivo, [&](Texto&& texto) {
       ++linha;
       noLeitor = true;
       leitor.Linha(std::move(texto));
@@ -125,14 +125,15 @@ void CarregarTabelaAgenda(TabelasAgenda& agenda, long lugar, const fs::path& arq
   leitor.Fim();
 }
 
-std::vector<std::string> CarregarTabelasAgenda(TabelasAgenda& agenda, const fs::path& pasta) {
+std::vector<std::string> CarregarTabelasAgenda(SistemaArquivos& arquivos, TabelasAgenda& agenda,
+                                               const fs::path& pasta) {
   std::vector<std::string> falhas;
   for (long lugar = 0; lugar < kLugaresAgenda; ++lugar) {
     const fs::path arquivo = ArquivoTabelaAgenda(pasta, lugar);
     // Most stations have no tables: a missing file is an empty place, not a failure.
-    if (!ArquivoExiste(arquivo)) continue;
+    if (!arquivos.ArquivoExiste(arquivo)) continue;
     try {
-      CarregarTabelaAgenda(agenda, lugar, arquivo);
+      CarregarTabelaAgenda(arquivos, agenda, lugar, arquivo);
     } catch (const std::exception& e) {
       falhas.emplace_back(e.what());
     }

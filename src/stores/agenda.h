@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "base/sistema_arquivos.h"
 #include "base/texto.h"
 #include "base/vetor.h"
 
@@ -37,11 +38,13 @@ fs::path ArquivoTabelaAgenda(const fs::path& pasta, long lugar);
 // inclusive range of slots) followed by up to six filters and an empty line. A block sets all
 // six filters of its slots, so a later block overrides an earlier one. Raises ErroExecucao,
 // naming the line, at the first line that does not fit; what was read before it stays.
-void CarregarTabelaAgenda(TabelasAgenda& agenda, long lugar, const fs::path& arquivo);
+void CarregarTabelaAgenda(SistemaArquivos& arquivos, TabelasAgenda& agenda, long lugar,
+                          const fs::path& arquivo);
 
 // Reads the six table files of the data folder. A missing file leaves its place empty; a bad
 // one stops at its bad line and the next file is read. Never raises: the causes of the tables
 // whose load stopped are returned, one text per table.
-std::vector<std::string> CarregarTabelasAgenda(TabelasAgenda& agenda, const fs::path& pasta);
+std::vector<std::string> CarregarTabelasAgenda(SistemaArquivos& arquivos, TabelasAgenda& agenda,
+                                               const fs::path& pasta);
 
 }  // namespace lumavox

@@ -1,6 +1,5 @@
 #include "stores/catalogo.h"
 
-#include "base/arquivos.h"
 #include "stores/codec.h"
 
 namespace lumavox {
@@ -15,10 +14,11 @@ const RegrasVariavel& RegrasCatalogo::Var(int n) const {
   return Vars[static_cast<size_t>(n - 1)];
 }
 
-void CarregarArquivoRegras(Catalogo& catalogo, int conjunto, const fs::path& arquivo) {
+void CarregarArquivoRegras(SistemaArquivos& arquivos, Catalogo& catalogo, int conjunto,
+                           const fs::path& arquivo) {
   long r = 0;
   int k = 0;
-  ParaCadaLinhaCodificada(arquivo, [&](Texto&& texto) {
+  ParaCadaLinhaCodificada(arquivos, arquivo, [&](Texto&& texto) {
     RegrasCatalogo& regra = catalogo.CatalogoRegras(conjunto, r);
     switch (k) {
       case 0: regra.Ativo = Maiusculas(texto) == u"A"; break;

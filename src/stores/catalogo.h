@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <filesystem>
 
+#include "base/sistema_arquivos.h"
 #include "base/texto.h"
 #include "base/vetor.h"
 
@@ -47,7 +48,8 @@ struct Catalogo {
 // description, example, Var1..Var10). QuantidadeRegras counts complete records only and is set
 // after the whole file was read. Raises on a missing file, an undecodable line or a 257th rule,
 // leaving the entries written so far and the previous count.
-void CarregarArquivoRegras(Catalogo& catalogo, int conjunto, const fs::path& arquivo);
+void CarregarArquivoRegras(SistemaArquivos& arquivos, Catalogo& catalogo, int conjunto,
+                           const fs::path& arquivo);
 
 // The record lines of one rule, in file order, decoded (for tools and tests).
 std::array<Texto, kLinhasPorRegra> LinhasDaRegra(const RegrasCatalogo& regra);

@@ -4,7 +4,6 @@
 #include <optional>
 #include <string>
 
-#include "base/arquivos.h"
 #include "base/erro.h"
 #include "base/numeros.h"
 
@@ -72,9 +71,9 @@ Texto Decodificar(std::basic_string_view<Char> linha) {
 
 Texto DecodificarLinha(std::u16string_view linha) { return Decodificar(linha); }
 
-void ParaCadaLinhaCodificada(const std::filesystem::path& arquivo,
+void ParaCadaLinhaCodificada(SistemaArquivos& arquivos, const std::filesystem::path& arquivo,
                              const std::function<void(Texto&&)>& usar) {
-  const std::string bytes = LerBytes(arquivo);
+  const std::string bytes = arquivos.LerBytes(arquivo);
   bool ascii = true;
   for (char c : bytes) ascii &= static_cast<unsigned char>(c) < 0x80;
   if (!ascii) {

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <functional>
 
+#include "base/sistema_arquivos.h"
 #include "base/texto.h"
 
 namespace lumavox {
@@ -17,7 +18,7 @@ Texto DecodificarLinha(std::u16string_view linha);
 // Hands every line of an encoded file to `usar`, decoded, in order (LF or CRLF). Lines are
 // decoded one at a time, so a line that does not decode raises after the earlier lines were
 // used. Raises too when the file cannot be read.
-void ParaCadaLinhaCodificada(const std::filesystem::path& arquivo,
+void ParaCadaLinhaCodificada(SistemaArquivos& arquivos, const std::filesystem::path& arquivo,
                              const std::function<void(Texto&&)>& usar);
 
 // The inverse, for tools and tests. The leading character written is "0".

@@ -4,8 +4,9 @@
 
 namespace lumavox {
 
-void EscreverDebug(const std::filesystem::path& caminhoApp, std::u16string_view texto) {
-  EscreverLinha(caminhoApp / "debuglog.rer", texto);
+void EscreverDebug(SistemaArquivos& arquivos, const std::filesystem::path& caminhoApp,
+                  std::u16string_view texto) {
+  EscreverLinha(arquivos, caminhoApp / "debuglog.rer", texto);
 }
 
 }  // namespace lumavox

@@ -5,9 +5,12 @@
 #include <filesystem>
 #include <string_view>
 
+#include "base/sistema_arquivos.h"
+
 namespace lumavox {
 
 // Recreates the file with `texto` as its only line; raises when the file cannot be written.
-void EscreverDebug(const std::filesystem::path& caminhoApp, std::u16string_view texto);
+void EscreverDebug(SistemaArquivos& arquivos, const std::filesystem::path& caminhoApp,
+                  std::u16string_view texto);
 
 }  // namespace lumavox

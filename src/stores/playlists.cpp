@@ -5,14 +5,14 @@
 
 namespace lumavox {
 
-void AbrirPlaylists(TabelaPlaylists& tabela, const fs::path& caminhoApp) {
+void AbrirPlaylists(SistemaArquivos& arquivos, TabelaPlaylists& tabela, const fs::path& caminhoApp) {
   tabela.TotalPlaylists = 0;
   tabela.Playlists[0] = caminhoApp;
   tabela.TotalPlaylists = 1;
 
   std::vector<Texto> linhas;
   try {
-    linhas = LerLinhas(caminhoApp / "pl.rdb");
+    linhas = LerLinhas(arquivos, caminhoApp / "pl.rdb");
   } catch (const ErroExecucao&) {
     return;
   }

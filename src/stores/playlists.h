@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include "base/datas.h"
+#include "base/sistema_arquivos.h"
 #include "base/vetor.h"
 
 namespace lumavox {
@@ -26,7 +27,7 @@ struct TabelaPlaylists {
 // and the folder name (19 on), relative to the application folder. Lines of 18 characters or
 // fewer, or whose times or name are not valid, are skipped; a 31st valid line ends the
 // reading. A missing file leaves only the default playlist. Never raises.
-void AbrirPlaylists(TabelaPlaylists& tabela, const fs::path& caminhoApp);
+void AbrirPlaylists(SistemaArquivos& arquivos, TabelaPlaylists& tabela, const fs::path& caminhoApp);
 
 // Index of the playlist whose span holds the time of day of `agora` (both ends inclusive, the
 // last matching line wins), or 0 when none does. Spans never wrap past midnight.

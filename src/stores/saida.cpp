@@ -8,9 +8,9 @@
 
 namespace lumavox {
 
-std::optional<Texto> LerPrimeiraLinha(const fs::path& arquivo) {
+std::optional<Texto> LerPrimeiraLinha(SistemaArquivos& arquivos, const fs::path& arquivo) {
   try {
-    std::vector<Texto> linhas = LerLinhas(arquivo);
+    std::vector<Texto> linhas = LerLinhas(arquivos, arquivo);
     // Reading a line from an empty file is an error, not an empty line.
     if (linhas.empty()) return std::nullopt;
     return std::move(linhas.front());
@@ -19,12 +19,13 @@ std::optional<Texto> LerPrimeiraLinha(const fs::path& arquivo) {
   }
 }
 
-bool GerarArquivoSaida(const fs::path& origem, int64_t contador, const fs::path& pasta) {
-  if (!ArquivoExiste(origem)) return false;
+bool GerarArquivoSaida(SistemaArquivos& arquivos, const fs::path& origem, int64_t contador,
+                       const fs::path& pasta) {
+  if (!arquivos.ArquivoExiste(origem)) return false;
   try {
-    std::string bytes = LerBytes(origem);
+    std::string bytes = arquivos.LerBytes(origem);
     for (char& b : bytes) b = static_cast<char>(255 - static_cast<unsigned char>(b));
-    EscreverBytes(pasta / "temp" / NomeArquivoTemp(contador), bytes);
+    arquivos.EscreverBytes(pasta / "temp" / NomeArquivoTemp(contador), bytes);
     return true;
   } catch (const ErroExecucao&) {
     return false;
@@ -37,36 +38,25 @@ std::string NomeArquivoFila(int64_t contador, int32_t codigo, int nivel) {
   return FormatarZeros(contador, 6) + "_" + FormatarZeros(codigo, 7) + "_" + FormatarZeros(nivel, 3) + ".lre";
 }
 
-bool EscreverFila(const fs::path& pasta, const std::string& nome, int32_t codigo) {
+bool EscreverFila(SistemaArquivos& arquivos, const fs::path& pasta, const std::string& nome, int32_t codigo) {
   try {
-    EscreverLinha(pasta / "list" / nome, DeUtf8(std::to_string(codigo)));
+    EscreverLinha(arquivos, pasta / "list" / nome, DeUtf8(std::to_string(codigo)));
     return true;
   } catch (const ErroExecucao&) {
     return false;
   }
 }
 
-std::vector<fs::path> ListarArquivos(const fs::path& pasta, const std::string& extensao) {
-  std::vector<fs::path> arquivos;
-  std::error_code ec;
-  for (fs::directory_iterator it(pasta, ec), fim; !ec && it != fim; it.increment(ec)) {
-    const std::string nome = it->path().filename().string();
-    if (nome.size() >= extensao.size() &&
-        nome.compare(nome.size() - extensao.size(), extensao.size(), extensao) == 0 &&
-        it->is_regular_file(ec))
-      arquivos.push_back(it->path());
-  }
-  std::sort(arquivos.begin(), arquivos.end());
-  return arquivos;
+std::vector<fs::path> ListarArquivos(SistemaArquivos& arquivos, const fs::path& pasta, const std::string& extensao) {
+  std::vector<fs::path> lista = arquivos.Listar(pasta, extensao);
+  std::sort(lista.begin(), lista.end());
+  return lista;
 }
 
-bool ApagarArquivo(const fs::path& arquivo) {
-  std::error_code ec;
-  return fs::remove(arquivo, ec) && !ec;
-}
+bool ApagarArquivo(SistemaArquivos& arquivos, const fs::path& arquivo) { return arquivos.Apagar(arquivo); }
 
-void ApagarArquivos(const std::vector<fs::path>& arquivos) {
-  for (auto it = arquivos.rbegin(); it != arquivos.rend(); ++it) ApagarArquivo(*it);
+void ApagarArquivos(SistemaArquivos& arquivos, const std::vector<fs::path>& lista) {
+  for (auto it = lista.rbegin(); it != lista.rend(); ++it) arquivos.Apagar(*it);
 }
 
 }  // namespace lumavox

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "base/sistema_arquivos.h"
 #include "base/texto.h"
 
 namespace lumavox {
@@ -18,22 +19,23 @@ namespace fs = std::filesystem;
 
 // First line of a small exchange file, or nothing when it cannot be read (missing, locked,
 // empty).
-std::optional<Texto> LerPrimeiraLinha(const fs::path& arquivo);
+std::optional<Texto> LerPrimeiraLinha(SistemaArquivos& arquivos, const fs::path& arquivo);
 
 // Copies the media file with every byte b written as 255 - b to temp/<contador>.mrt under
 // `pasta`. A missing source writes nothing. True when the target was written.
-bool GerarArquivoSaida(const fs::path& origem, int64_t contador, const fs::path& pasta);
+bool GerarArquivoSaida(SistemaArquivos& arquivos, const fs::path& origem, int64_t contador,
+                       const fs::path& pasta);
 
 std::string NomeArquivoTemp(int64_t contador);                                // "000007.mrt"
 std::string NomeArquivoFila(int64_t contador, int32_t codigo, int nivel);     // "000007_0001234_050.lre"
 // Writes the queue file with the song code as its only line. True when written.
-bool EscreverFila(const fs::path& pasta, const std::string& nome, int32_t codigo);
+bool EscreverFila(SistemaArquivos& arquivos, const fs::path& pasta, const std::string& nome, int32_t codigo);
 
 // The files of a folder whose names end in `extensao` (".lre"), sorted by name; empty when
 // the folder cannot be read.
-std::vector<fs::path> ListarArquivos(const fs::path& pasta, const std::string& extensao);
+std::vector<fs::path> ListarArquivos(SistemaArquivos& arquivos, const fs::path& pasta, const std::string& extensao);
 // Deletes the files, last to first; failures are ignored.
-void ApagarArquivos(const std::vector<fs::path>& arquivos);
-bool ApagarArquivo(const fs::path& arquivo);
+void ApagarArquivos(SistemaArquivos& arquivos, const std::vector<fs::path>& lista);
+bool ApagarArquivo(SistemaArquivos& arquivos, const fs::path& arquivo);
 
 }  // namespace lumavox

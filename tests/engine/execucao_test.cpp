@@ -24,7 +24,8 @@ class ExecucaoTeste : public ::testing::Test {
   }
   std::vector<std::string> Fila() {
     std::vector<std::string> nomes;
-    for (const auto& p : ListarArquivos(estacao.Caminho("list"), ".lre")) nomes.push_back(p.filename().string());
+    for (const auto& p : ListarArquivos(ArquivosReais(), estacao.Caminho("list"), ".lre"))
+      nomes.push_back(p.filename().string());
     return nomes;
   }
   EstacaoTeste estacao;
@@ -87,7 +88,7 @@ TEST_F(ExecucaoTeste, AvancoAnulaAFilaEMudancaDeNivelTrocaAsEntregasAntigas) {
   ASSERT_EQ(r.selecoes.size(), 2u);
   EXPECT_EQ(r.selecoes[0].conjunto, 2);
   // The replaced and voided entries' media went with them; the one being played stays.
-  EXPECT_EQ(ListarArquivos(estacao.Caminho("temp"), ".mrt").size(), 3u);
+  EXPECT_EQ(ListarArquivos(ArquivosReais(), estacao.Caminho("temp"), ".mrt").size(), 3u);
 }
 
 TEST_F(ExecucaoTeste, CinquentaMusicasEsperamECinquentaEUmaEscolhem) {

@@ -87,7 +87,8 @@ class Falhas : public ::testing::Test {
 
   std::vector<std::string> Fila() const {
     std::vector<std::string> nomes;
-    for (const auto& p : ListarArquivos(estacao.Caminho("list"), ".lre")) nomes.push_back(p.filename().string());
+    for (const auto& p : ListarArquivos(ArquivosReais(), estacao.Caminho("list"), ".lre"))
+      nomes.push_back(p.filename().string());
     return nomes;
   }
   // The player takes the first queue entry and its media.
@@ -104,7 +105,7 @@ class Falhas : public ::testing::Test {
       motor->TestarRegras();
     }
   }
-  size_t Midias() const { return ListarArquivos(estacao.Caminho("temp"), ".mrt").size(); }
+  size_t Midias() const { return ListarArquivos(ArquivosReais(), estacao.Caminho("temp"), ".mrt").size(); }
 
   // Every file of the station the run has no business deleting, with its bytes.
   std::map<std::string, std::string> Preservados() const {

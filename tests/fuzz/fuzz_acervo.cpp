@@ -37,7 +37,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* dados, size_t tamanho) {
   const int16_t antes = acervo->TotalMusicas;
   long linhas = 0;
   const bool carregou = fuzz::SoErroExecucao(
-      [&] { CarregarColecao(*acervo, Estacao(), [&](long) { ++linhas; }); });
+      [&] { CarregarColecao(ArquivosReais(), *acervo, Estacao(), [&](long) { ++linhas; }); });
   const Acervo& a = *acervo;
   if (!carregou) {
     if (a.TotalMusicas != antes) fuzz::Falha("load que parou mudou TotalMusicas");

@@ -20,10 +20,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* dados, size_t tamanho) {
   const fs::path arquivo = ArquivoTabelaAgenda(pasta, lugar);
   fuzz::Gravar(arquivo, fuzz::ArquivoCodificado(dados, tamanho));
 
-  fuzz::SoErroExecucao([&] { CarregarTabelaAgenda(*agenda, lugar, arquivo); });
+  fuzz::SoErroExecucao([&] { CarregarTabelaAgenda(ArquivosReais(), *agenda, lugar, arquivo); });
   try {
     agenda->Limpar();
-    CarregarTabelasAgenda(*agenda, pasta);
+    CarregarTabelasAgenda(ArquivosReais(), *agenda, pasta);
   } catch (...) {
     fuzz::Falha("CarregarTabelasAgenda levantou erro");
   }

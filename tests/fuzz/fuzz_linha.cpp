@@ -52,7 +52,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* dados, size_t tamanho) {
   std::vector<Texto> lidas, esperadas;
   std::optional<CodigoErro> erroLido, erroEsperado;
   try {
-    ParaCadaLinhaCodificada(arquivo, [&](Texto&& t) { lidas.push_back(std::move(t)); });
+    ParaCadaLinhaCodificada(ArquivosReais(), arquivo, [&](Texto&& t) { lidas.push_back(std::move(t)); });
   } catch (const ErroExecucao& e) {
     erroLido = e.Codigo();
   }

@@ -19,7 +19,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* dados, size_t tamanho) {
   fuzz::Gravar(pasta / "pl.rdb", bytes);
 
   try {
-    AbrirPlaylists(*tabela, pasta);
+    AbrirPlaylists(ArquivosReais(), *tabela, pasta);
   } catch (...) {
     fuzz::Falha("AbrirPlaylists levantou erro");
   }

@@ -47,7 +47,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* dados, size_t tamanho) {
 
   const int conjunto = ConjuntoDoNivel(nivel);
   const int16_t antes = e.catalogo.QuantidadeRegras[static_cast<size_t>(conjunto)];
-  if (!fuzz::SoErroExecucao([&] { CarregarArquivoRegras(e.catalogo, conjunto, arquivo); })) {
+  if (!fuzz::SoErroExecucao([&] { CarregarArquivoRegras(ArquivosReais(), e.catalogo, conjunto, arquivo); })) {
     if (e.catalogo.QuantidadeRegras[static_cast<size_t>(conjunto)] != antes)
       fuzz::Falha("leitura que parou mudou QuantidadeRegras");
     return 0;

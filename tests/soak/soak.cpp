@@ -175,10 +175,10 @@ class Soak {
       Conferir(r.selecoes[i], i == 0 ? forcada : 0);
     }
     ContarLog(r);
-    const size_t fila = ListarArquivos(op_.pasta / "list", ".lre").size();
+    const size_t fila = ListarArquivos(ArquivosReais(), op_.pasta / "list", ".lre").size();
     if (total >= 51 && fila == 0) Falha("fila vazia depois da chamada");
     // The player takes an entry with its media, so every media file left has its entry.
-    if (const size_t midias = ListarArquivos(op_.pasta / "temp", ".mrt").size(); midias != fila)
+    if (const size_t midias = ListarArquivos(ArquivosReais(), op_.pasta / "temp", ".mrt").size(); midias != fila)
       Falha(std::to_string(midias) + " mídias em temp/ para " + std::to_string(fila) + " entradas na fila");
     if (PastaDadosNoite() != noiteAntes_) {
       ++trocasPlaylist_;
@@ -234,7 +234,7 @@ class Soak {
   // The stand-in player: takes the first entry of the queue with its media, logs the play and
   // lets the clock run for the song's length.
   void Tocar() {
-    const std::vector<fs::path> fila = ListarArquivos(op_.pasta / "list", ".lre");
+    const std::vector<fs::path> fila = ListarArquivos(ArquivosReais(), op_.pasta / "list", ".lre");
     if (fila.empty()) return;
     const std::string nome = fila.front().filename().string();
     const int32_t codigo = static_cast<int32_t>(std::stol(nome.substr(7, 7)));
@@ -255,7 +255,7 @@ class Soak {
     for (const auto& [id, n] : negadas_) std::printf(" %s×%ld", id.c_str(), n);
     std::printf("\nregras com erro:\n");
     for (const auto& [causa, n] : erros_) std::printf("  %6ld  %s\n", n, causa.c_str());
-    std::printf("mídias restantes em temp/: %zu\n", ListarArquivos(op_.pasta / "temp", ".mrt").size());
+    std::printf("mídias restantes em temp/: %zu\n", ListarArquivos(ArquivosReais(), op_.pasta / "temp", ".mrt").size());
     std::printf("memória residente, máximo por bloco (kB):");
     for (const auto& [n, kb] : curva_) std::printf(" %ld:%ld", n, kb);
     std::printf("\n");

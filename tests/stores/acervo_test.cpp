@@ -13,7 +13,7 @@ using teste::EstacaoTeste;
 class CarregarAcervo : public ::testing::Test {
  protected:
   CarregarAcervo() { acervo.CaminhoApp = estacao.Pasta(); }
-  void Carregar() { CarregarColecao(acervo, estacao.Pasta(), nullptr); }
+  void Carregar() { CarregarColecao(ArquivosReais(), acervo, estacao.Pasta(), nullptr); }
 
   EstacaoTeste estacao;
   Acervo acervo;

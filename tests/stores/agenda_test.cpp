@@ -34,7 +34,7 @@ TEST(TabelasAgenda, BlocosComFiltrosInteirosEUmaTabelaQuebradaParaNaLinhaRuim) {
   st.GravarTexto("lxtb5.rdb", Tabela({"10", "5-2"}));
   TabelasAgenda a;
   a.Limpar();
-  const std::vector<std::string> falhas = CarregarTabelasAgenda(a, st.Pasta());
+  const std::vector<std::string> falhas = CarregarTabelasAgenda(ArquivosReais(), a, st.Pasta());
   ASSERT_EQ(falhas.size(), 4u);
   EXPECT_NE(falhas[0].find("lxtb1.rdb, linha 5"), std::string::npos) << falhas[0];
   EXPECT_NE(falhas[1].find("lxtb2.rdb, linha 9"), std::string::npos) << falhas[1];
@@ -53,7 +53,7 @@ TEST(TabelasAgenda, BlocosComFiltrosInteirosEUmaTabelaQuebradaParaNaLinhaRuim) {
 
   // A line that does not decode is named as well.
   st.GravarTexto("lxtb3.rdb", Tabela({"11", "0"}) + "099999\r\n");
-  EXPECT_NE(CarregarTabelasAgenda(a, st.Pasta())[2].find("lxtb3.rdb, linha 3"), std::string::npos);
+  EXPECT_NE(CarregarTabelasAgenda(ArquivosReais(), a, st.Pasta())[2].find("lxtb3.rdb, linha 3"), std::string::npos);
 }
 
 // Counts the history loads it is asked for.

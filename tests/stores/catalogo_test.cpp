@@ -12,7 +12,7 @@ using teste::EstacaoTeste;
 
 class CarregarRegras : public ::testing::Test {
  protected:
-  void Carregar() { CarregarArquivoRegras(catalogo, 1, estacao.Caminho("lxie1.rdb")); }
+  void Carregar() { CarregarArquivoRegras(ArquivosReais(), catalogo, 1, estacao.Caminho("lxie1.rdb")); }
   int Quantidade() const { return catalogo.QuantidadeRegras[1]; }
   const RegrasCatalogo& Regra(long r) const { return catalogo.CatalogoRegras(1, r); }
 

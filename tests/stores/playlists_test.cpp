@@ -13,7 +13,7 @@ class LerPlaylists : public ::testing::Test {
  protected:
   void Abrir(const std::string& conteudo) {
     estacao.GravarTexto("pl.rdb", conteudo);
-    AbrirPlaylists(tabela, estacao.Pasta());
+    AbrirPlaylists(ArquivosReais(), tabela, estacao.Pasta());
   }
   int32_t As(int hora, int minuto, int segundo = 0) const {
     return PlaylistDoHorario(tabela, MontarDataHora(2026, 11, 22, hora, minuto, segundo));

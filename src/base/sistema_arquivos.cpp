@@ -1,0 +1,88 @@
+#include "base/sistema_arquivos.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+
+namespace lumavox {
+
+ErroExecucao ErroDeArquivo(int numeroErro, const char* acao, const fs::path& caminho) {
+  CodigoErro codigo = CodigoErro::ErroDeEntradaSaida;
+  if (numeroErro == ENOENT || numeroErro == ENOTDIR) codigo = CodigoErro::ArquivoNaoEncontrado;
+  if (numeroErro == EACCES || numeroErro == EPERM || numeroErro == EROFS || numeroErro == EISDIR)
+    codigo = CodigoErro::PermissaoNegada;
+  return ErroExecucao(codigo, std::string(acao) + " " + caminho.string() + ": " + std::strerror(numeroErro));
+}
+
+std::string SistemaArquivosReal::LerBytes(const fs::path& caminho) {
+  errno = 0;
+  std::ifstream entrada(caminho, std::ios::binary);
+  if (!entrada) throw ErroDeArquivo(errno, "File not found:", caminho);
+  std::string bytes;
+  char bloco[65536];
+  while (entrada.read(bloco, sizeof bloco) || entrada.gcount() > 0)
+    bytes.append(bloco, static_cast<size_t>(entrada.gcount()));
+  if (entrada.bad()) throw ErroDeArquivo(errno, "Erro ao ler", caminho);
+  return bytes;
+}
+
+void SistemaArquivosReal::EscreverBytes(const fs::path& caminho, std::string_view bytes) {
+  errno = 0;
+  std::ofstream saida(caminho, std::ios::binary | std::ios::trunc);
+  if (!saida) throw ErroDeArquivo(errno, "Permission denied:", caminho);
+  saida.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  saida.close();
+  if (!saida) throw ErroDeArquivo(errno, "Erro ao gravar", caminho);
+}
+
+void SistemaArquivosReal::Renomear(const fs::path& de, const fs::path& para) {
+  std::error_code ec;
+  fs::rename(de, para, ec);
+  if (ec) throw ErroDeArquivo(ec.value(), "Erro ao renomear", de);
+}
+
+bool SistemaArquivosReal::Apagar(const fs::path& caminho) noexcept {
+  std::error_code ec;
+  return fs::remove(caminho, ec) && !ec;
+}
+
+bool SistemaArquivosReal::ArquivoExiste(const fs::path& caminho) noexcept {
+  std::error_code ec;
+  return fs::is_regular_file(caminho, ec);
+}
+
+std::vector<fs::path> SistemaArquivosReal::Listar(const fs::path& pasta, std::string_view terminacao) {
+  std::vector<fs::path> arquivos;
+  std::error_code ec;
+  for (fs::directory_iterator it(pasta, ec), fim; !ec && it != fim; it.increment(ec)) {
+    const std::string nome = it->path().filename().string();
+    // The name is looked at first: only a matching entry costs a look at its type.
+    if (nome.size() >= terminacao.size() &&
+        nome.compare(nome.size() - terminacao.size(), terminacao.size(), terminacao) == 0 &&
+        it->is_regular_file(ec))
+      arquivos.push_back(it->path());
+  }
+  return arquivos;
+}
+
+bool SistemaArquivosReal::CriarPastas(const fs::path& pasta) noexcept {
+  std::error_code ec;
+  fs::create_directories(pasta, ec);
+  return !ec;
+}
+
+std::optional<MarcaArquivo> SistemaArquivosReal::Marca(const fs::path& caminho) noexcept {
+  std::error_code ec;
+  const auto momento = fs::last_write_time(caminho, ec);
+  if (ec) return std::nullopt;
+  const auto tamanho = fs::file_size(caminho, ec);
+  if (ec) return std::nullopt;
+  return MarcaArquivo{momento, tamanho};
+}
+
+SistemaArquivos& ArquivosReais() {
+  static SistemaArquivosReal real;
+  return real;
+}
+
+}  // namespace lumavox
