@@ -15,7 +15,7 @@
 
 namespace lumavox {
 class BancoLogs;
-struct Estado;
+class Estado;
 }  // namespace lumavox
 
 namespace lumavox::cli {

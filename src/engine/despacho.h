@@ -10,7 +10,7 @@
 
 namespace lumavox {
 
-struct Estado;
+class Estado;
 
 // Rule set of a level: up to 35 set 1, 36 to 64 set 0, 65 and above set 2.
 int ConjuntoDoNivel(int nivel);

@@ -10,7 +10,7 @@
 
 namespace lumavox {
 
-struct Estado;
+class Estado;
 
 // The rule's description with "X1".."X10" replaced by the values of RegraAtual's variables
 // ("X10" before "X1"); a placeholder whose value is empty stays as it is.

@@ -22,7 +22,7 @@
 
 namespace lumavox {
 
-struct Estado;
+class Estado;
 
 using ProcedimentoRegra = void (*)(Estado&);
 

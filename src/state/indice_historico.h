@@ -9,7 +9,7 @@
 
 namespace lumavox {
 
-struct Estado;
+class Estado;
 
 // Positions are chained newest first. The code chains hold every position from the newest play
 // (TotalTocadas - 1) down to -500 whose code is above 0; the slot chains hold the positions from
