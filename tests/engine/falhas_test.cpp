@@ -1,18 +1,15 @@
 // The engine under broken files, folders, databases and clocks: each fault leaves it choosing
 // as its documented behaviour says, and the station folder loses only what the run deletes.
-#include <grp.h>
 #include <sqlite3.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <fstream>
-#include <functional>
 #include <map>
 #include <set>
 
 #include <gtest/gtest.h>
 
 #include "apoio/estacao.h"
+#include "apoio/sistema_arquivos_falho.h"
 #include "cli/demo.h"
 #include "engine/motor.h"
 #include "stores/banco_sqlite.h"
@@ -24,51 +21,10 @@ namespace {
 
 using teste::EstacaoTeste;
 
-constexpr uid_t kNinguem = 65534;
-
-// Runs `cenario` in a child process that file permissions bind: as root it first hands the
-// station folder to "nobody" and drops to that user. Returns the child's complaint (empty when
-// all held), or nothing when permissions cannot be made to bind here.
-std::optional<std::string> SemPrivilegios(const fs::path& pasta, const std::function<std::string()>& cenario) {
-  const bool root = ::geteuid() == 0;
-  if (root) {
-    if (::chown(pasta.c_str(), kNinguem, kNinguem) != 0) return std::nullopt;
-    for (const auto& item : fs::recursive_directory_iterator(pasta))
-      if (::lchown(item.path().c_str(), kNinguem, kNinguem) != 0) return std::nullopt;
-  }
-  int canal[2];
-  if (::pipe(canal) != 0) return std::nullopt;
-  const pid_t filho = ::fork();
-  if (filho == 0) {
-    ::close(canal[0]);
-    if (root && (::setgroups(0, nullptr) != 0 || ::setgid(kNinguem) != 0 || ::setuid(kNinguem) != 0)) ::_exit(2);
-    std::string queixa;
-    try {
-      queixa = cenario();
-    } catch (const std::exception& e) {
-      queixa = std::string("exceção: ") + e.what();
-    }
-    if (!queixa.empty() && ::write(canal[1], queixa.data(), queixa.size()) < 0) ::_exit(3);
-    ::_exit(0);
-  }
-  ::close(canal[1]);
-  std::string queixa;
-  char bloco[512];
-  for (ssize_t n; (n = ::read(canal[0], bloco, sizeof bloco)) > 0;) queixa.append(bloco, static_cast<size_t>(n));
-  ::close(canal[0]);
-  int estado = 0;
-  ::waitpid(filho, &estado, 0);
-  // Whatever the child left locked, the folder must be removable afterwards.
-  for (const auto& item : fs::recursive_directory_iterator(pasta))
-    if (item.is_directory()) fs::permissions(item.path(), fs::perms::owner_all);
-  fs::permissions(pasta, fs::perms::owner_all);
-  if (!WIFEXITED(estado) || WEXITSTATUS(estado) == 2) return std::nullopt;
-  if (WEXITSTATUS(estado) != 0) return "o processo filho terminou com " + std::to_string(WEXITSTATUS(estado));
-  return queixa;
-}
-
 class Falhas : public ::testing::Test {
  protected:
+  Falhas() { ambiente.DefinirArquivos(arquivos); }
+
   // `musicas` songs with codes 1.. and a media file each, plus one empty rule set.
   void Montar(int musicas = 60) {
     for (int c = 1; c <= musicas; ++c) estacao.Musica(c, {{"Genero", c % 2 ? "Rock;" : "Pop;"}, {"DuracaoSec", "200"}});
@@ -109,15 +65,15 @@ class Falhas : public ::testing::Test {
 
   // Every file of the station the run has no business deleting, with its bytes.
   std::map<std::string, std::string> Preservados() const {
-    std::map<std::string, std::string> arquivos;
+    std::map<std::string, std::string> bytes;
     for (const auto& item : fs::recursive_directory_iterator(estacao.Pasta())) {
       if (!item.is_regular_file()) continue;
       const std::string nome = fs::relative(item.path(), estacao.Pasta()).generic_string();
       if (nome.starts_with("list/") || nome.starts_with("temp/") || nome == "avancar.rer" || nome == "nreg.rer")
         continue;
-      arquivos[nome] = estacao.Ler(nome);
+      bytes[nome] = estacao.Ler(nome);
     }
-    return arquivos;
+    return bytes;
   }
   // The files the run must leave alone are all still there, unchanged, but for those the test
   // itself changed.
@@ -135,6 +91,8 @@ class Falhas : public ::testing::Test {
   }
 
   EstacaoTeste estacao;
+  // The engine's files, where a test refuses an operation the way a read-only disk would.
+  teste::SistemaArquivosFalho arquivos;
   AmbienteFixo ambiente{MontarDataHora(2026, 11, 22, 10, 0, 0), 3};
   std::unique_ptr<Motor> motor;
   std::map<std::string, std::string> preservados;
@@ -179,48 +137,37 @@ TEST_F(Falhas, RitmoAusenteVazioOuIlegivelMantemONivel) {
 TEST_F(Falhas, RitmoSemPermissaoDeLeitura) {
   Montar();
   motor->TestarRegras();
-  auto queixa = SemPrivilegios(estacao.Pasta(), [&]() -> std::string {
-    fs::permissions(estacao.Caminho("ritmo.rer"), fs::perms::none);
-    if (std::ifstream(estacao.Caminho("ritmo.rer")).good()) return "ritmo.rer ainda se lê";
-    Tocar();
-    const ResultadoExecucao r = motor->TestarRegras();
-    if (r.selecoes.size() != 1 || r.selecoes[0].nivel != 50) return "sem escolha no nível anterior";
-    if (motor->E().execucao.Tentativas != 100) return "não tentou 100 vezes";
-    return "";
-  });
-  if (!queixa) GTEST_SKIP() << "as permissões de arquivo não valem aqui";
-  EXPECT_EQ(*queixa, "");
+  // The player asks for another level, but the engine may not read it: the level stays.
+  estacao.GravarTexto("ritmo.rer", "80\r\n");
+  arquivos.NegarLeitura(estacao.Caminho("ritmo.rer"));
+  Tocar();
+  const ResultadoExecucao r = motor->TestarRegras();
+  ASSERT_EQ(r.selecoes.size(), 1u);
+  EXPECT_EQ(r.selecoes[0].nivel, 50);
+  EXPECT_EQ(motor->E().execucao.Tentativas, 100);
+  ConferirPreservados({"ritmo.rer"});
 }
 
 TEST_F(Falhas, AvancoQueNaoSePodeApagarContaUmaVez) {
   Montar();
   motor->TestarRegras();
-  auto queixa = SemPrivilegios(estacao.Pasta(), [&]() -> std::string {
-    estacao.GravarTexto("avancar.rer", "1\r\n");
-    // The player's folder is read-only now: the click cannot be deleted after it is read.
-    fs::permissions(estacao.Pasta(), fs::perms::owner_read | fs::perms::owner_exec);
-    if (::access(estacao.Pasta().c_str(), W_OK) == 0) return "pasta ainda gravável";
-    std::string problemas;
-    // The first call voids the queue for the click and fills it again; the songs played after
-    // it only top it up: the file still there is not a new click.
-    for (int i = 0; i < 4; ++i) {
-      Tocar();
-      const size_t esperadas = i == 0 ? 2 : 1;
-      const ResultadoExecucao r = motor->TestarRegras();
-      if (r.selecoes.size() != esperadas) problemas += std::to_string(r.selecoes.size()) + " escolhas na chamada " + std::to_string(i) + "; ";
-      if (Fila().size() != 2) problemas += "fila com " + std::to_string(Fila().size()) + "; ";
-    }
-    if (motor->E().execucao.ContagemAvancos != 1) problemas += "ContagemAvancos " + std::to_string(motor->E().execucao.ContagemAvancos) + "; ";
-    if (!estacao.Existe("avancar.rer")) problemas += "avancar.rer sumiu; ";
-    // The player clicks again: the file changes and counts as a new advance.
-    std::ofstream(estacao.Caminho("avancar.rer"), std::ios::trunc) << "1\r\n\r\n";
+  estacao.GravarTexto("avancar.rer", "1\r\n");
+  // The click cannot be deleted after it is read, as in a folder the engine may not write.
+  arquivos.NegarApagar(estacao.Caminho("avancar.rer"));
+  // The first call voids the queue for the click and fills it again; the songs played after it
+  // only top it up: the file still there is not a new click.
+  for (int i = 0; i < 4; ++i) {
     Tocar();
-    if (motor->TestarRegras().selecoes.size() != 2 || motor->E().execucao.ContagemAvancos != 2)
-      problemas += "um novo clique não contou; ";
-    return problemas;
-  });
-  if (!queixa) GTEST_SKIP() << "as permissões de pasta não valem aqui";
-  EXPECT_EQ(*queixa, "");
+    EXPECT_EQ(motor->TestarRegras().selecoes.size(), i == 0 ? 2u : 1u) << "chamada " << i;
+    EXPECT_EQ(Fila().size(), 2u);
+  }
+  EXPECT_EQ(motor->E().execucao.ContagemAvancos, 1);
+  EXPECT_TRUE(estacao.Existe("avancar.rer"));
+  // The player clicks again: the file changes and counts as a new advance.
+  estacao.GravarTexto("avancar.rer", "1\r\n\r\n");
+  Tocar();
+  EXPECT_EQ(motor->TestarRegras().selecoes.size(), 2u);
+  EXPECT_EQ(motor->E().execucao.ContagemAvancos, 2);
 }
 
 TEST_F(Falhas, PastasDeEntregaRemovidasOuInutilizaveis) {
@@ -245,19 +192,17 @@ TEST_F(Falhas, PastasDeEntregaRemovidasOuInutilizaveis) {
   EXPECT_EQ(motor->TestarRegras().selecoes.size(), 2u);
   EXPECT_EQ(Fila().size(), 2u);
 
-  auto queixa = SemPrivilegios(estacao.Pasta(), [&]() -> std::string {
-    Tocar();
-    fs::permissions(estacao.Caminho("list"), fs::perms::owner_read | fs::perms::owner_exec);
-    const size_t midias = Midias();
-    const ResultadoExecucao r = motor->TestarRegras();
-    if (r.selecoes.empty()) return "parou de escolher";
-    if (r.selecoes.back().lre) return "gravou numa list/ só de leitura";
-    if (Midias() != midias) return "mídia sem fila ficou em temp/: " + std::to_string(Midias() - midias);
-    return "";
-  });
-  if (queixa) {
-    EXPECT_EQ(*queixa, "");
-  }
+  // list/ refuses new entries: the media drawn for them must not stay behind in temp/.
+  Tocar();
+  arquivos.NegarEscrita(estacao.Caminho("list"));
+  const size_t midias = Midias();
+  const ResultadoExecucao r = motor->TestarRegras();
+  ASSERT_FALSE(r.selecoes.empty());
+  EXPECT_FALSE(r.selecoes.back().lre.has_value());
+  EXPECT_EQ(Midias(), midias);
+  arquivos.Permitir();
+  EXPECT_EQ(motor->TestarRegras().selecoes.size(), 1u);
+  EXPECT_EQ(Fila().size(), 2u);
   ConferirPreservados();
 }
 
