@@ -7,8 +7,9 @@
 #include "base/ambiente.h"
 #include "cli/demo.h"
 #include "cli/subcomandos.h"
-#include "estacao_cheia.h"
+#include "engine/instalacao.h"
 #include "engine/motor.h"
+#include "estacao_cheia.h"
 
 namespace {
 
@@ -50,7 +51,7 @@ void BM_CargaPartida(benchmark::State& state) {
   }();
   lumavox::AmbienteFixo ambiente(lumavox::MontarDataHora(2026, 11, 22, 10, 0, 0));
   lumavox::Motor motor(pasta, ambiente);
-  lumavox::cli::InstalarHistorico(motor);
+  lumavox::InstalarHistorico(motor);
   motor.AbrirPlaylists();
   motor.E().playlists.PlaylistAtual = 0;
   for (auto _ : state) {

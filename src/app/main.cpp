@@ -10,7 +10,7 @@
 
 #include "app/regras_teste.h"
 #include "app/sinais.h"
-#include "cli/comandos.h"
+#include "engine/instalacao.h"
 
 namespace {
 
@@ -51,7 +51,7 @@ int main(int argc, char** argv) {
   parser.addOption(captura);
   parser.process(app);
 
-  lumavox::app::RegrasTeste form(lumavox::cli::ResolverPastaApp(parser.value(dir).toStdString()));
+  lumavox::app::RegrasTeste form(lumavox::ResolverPastaApp(parser.value(dir).toStdString()));
   lumavox::app::SinaisDeParada sinais;
   QObject::connect(&sinais, &lumavox::app::SinaisDeParada::Parar, &form, &QWidget::close);
   QObject::connect(&form, &lumavox::app::RegrasTeste::ProgramaEncerrado, &app, &QCoreApplication::quit);

@@ -21,7 +21,7 @@
 #include "app/lista_arquivos.h"
 #include "base/erro.h"
 #include "base/numeros.h"
-#include "cli/subcomandos.h"
+#include "engine/instalacao.h"
 #include "stores/saida.h"
 
 namespace lumavox::app {
@@ -46,7 +46,7 @@ RegrasTeste::RegrasTeste(std::filesystem::path caminhoApp, Ambiente* ambiente, Q
   }
   ambiente_ = ambiente;
   motor_ = std::make_unique<Motor>(std::move(caminhoApp), *ambiente_);
-  cli::InstalarHistorico(*motor_);
+  InstalarHistorico(*motor_);
   motor_->DefinirPainel(this);
 
   setObjectName("RegrasTeste");

@@ -5,8 +5,8 @@
 
 #include "base/ambiente.h"
 #include "base/numeros.h"
-#include "cli/comandos.h"
 #include "cli/subcomandos.h"
+#include "engine/instalacao.h"
 #include "engine/motor.h"
 
 namespace lumavox::cli {

@@ -9,7 +9,6 @@
 
 #include "cli/subcomandos.h"
 #include "engine/motor.h"
-#include "stores/historico_banco.h"
 
 namespace lumavox::cli {
 
@@ -52,22 +51,6 @@ int Executar(std::vector<std::string> argumentos, std::ostream& saida, std::ostr
     return 2;
   }
   return ctx.codigoSaida;
-}
-
-void InstalarHistorico(Motor& motor) {
-  motor.DefinirOrigemHistorico(std::make_unique<OrigemHistoricoBanco>(motor.CaminhoApp()));
-}
-
-fs::path PastaDoExecutavel() {
-  std::error_code ec;
-  fs::path exe = fs::read_symlink("/proc/self/exe", ec);
-  return ec ? fs::current_path(ec) : exe.parent_path();
-}
-
-fs::path ResolverPastaApp(const std::string& opcaoDir) {
-  if (!opcaoDir.empty()) return opcaoDir;
-  if (const char* env = std::getenv("LUMAVOX_DIR"); env && *env) return env;
-  return PastaDoExecutavel();
 }
 
 }  // namespace lumavox::cli

@@ -14,7 +14,4 @@ namespace fs = std::filesystem;
 int Executar(int argc, char** argv);
 int Executar(std::vector<std::string> argumentos, std::ostream& saida, std::ostream& erros);
 
-// Application folder: --dir, else LUMAVOX_DIR, else the executable's own folder.
-fs::path ResolverPastaApp(const std::string& opcaoDir);
-
 }  // namespace lumavox::cli

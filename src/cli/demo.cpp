@@ -7,11 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "base/arquivos.h"
-#include "cli/comandos.h"
-#include "cli/subcomandos.h"
-#include "rules/descricoes.h"
 #include "base/ambiente.h"
+#include "base/arquivos.h"
+#include "cli/subcomandos.h"
+#include "engine/instalacao.h"
+#include "rules/descricoes.h"
 #include "stores/acervo.h"
 #include "stores/banco_sqlite.h"
 #include "stores/codec.h"

@@ -13,10 +13,10 @@
 #include "base/arquivos.h"
 #include "base/erro.h"
 #include "base/numeros.h"
-#include "cli/comandos.h"
 #include "cli/progresso.h"
 #include "cli/subcomandos.h"
 #include "cli/tags_audio.h"
+#include "engine/instalacao.h"
 #include "stores/acervo.h"
 #include "stores/codec.h"
 

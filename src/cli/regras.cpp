@@ -5,9 +5,9 @@
 #include <memory>
 
 #include "base/arquivos.h"
-#include "cli/comandos.h"
 #include "cli/regras_texto.h"
 #include "cli/subcomandos.h"
+#include "engine/instalacao.h"
 
 namespace lumavox::cli {
 

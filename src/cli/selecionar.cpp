@@ -7,9 +7,9 @@
 
 #include "base/numeros.h"
 #include "cli/ambiente_cli.h"
-#include "cli/comandos.h"
 #include "cli/relatorio.h"
 #include "cli/subcomandos.h"
+#include "engine/instalacao.h"
 #include "engine/motor.h"
 
 namespace lumavox::cli {

@@ -16,7 +16,6 @@
 
 #include "base/arquivos.h"
 #include "base/numeros.h"
-#include "cli/comandos.h"
 #include "cli/curva_nivel.h"
 #include "cli/progresso.h"
 #include "cli/relatorio.h"
@@ -25,6 +24,7 @@
 #include "cli/simulacao_json.h"
 #include "cli/subcomandos.h"
 #include "cli/tocador.h"
+#include "engine/instalacao.h"
 #include "engine/motor.h"
 #include "rules/candidatos.h"
 #include "rules/tags.h"

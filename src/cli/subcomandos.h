@@ -35,7 +35,4 @@ void RegistrarRegras(CLI::App& app, Contexto& ctx);
 void RegistrarImportar(CLI::App& app, Contexto& ctx);
 void RegistrarSimular(CLI::App& app, Contexto& ctx);
 
-// Installs the station's log database as the engine's history source.
-void InstalarHistorico(Motor& motor);
-
 }  // namespace lumavox::cli

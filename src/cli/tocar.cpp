@@ -7,10 +7,10 @@
 #include <optional>
 #include <random>
 
-#include "cli/comandos.h"
 #include "cli/relatorio.h"
 #include "cli/subcomandos.h"
 #include "cli/tocador.h"
+#include "engine/instalacao.h"
 #include "engine/motor.h"
 
 namespace lumavox::cli {

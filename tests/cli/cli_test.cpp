@@ -7,6 +7,7 @@
 #include "apoio/estacao.h"
 #include "apoio/linha_comando.h"
 #include "cli/subcomandos.h"
+#include "engine/instalacao.h"
 #include "engine/motor.h"
 
 namespace lumavox::cli {
