@@ -1,6 +1,8 @@
 // The engine object: owns the state, loads the playlist in force (collection, rule sets,
-// history) and, in later steps, runs the selections. Raised errors of a load reach the caller
-// of DefinirAcervo/VerificarPlaylist; Iniciar absorbs them as the start-up does.
+// history) and runs the selections. Raised errors of a load reach the caller of
+// DefinirAcervo/VerificarPlaylist; Iniciar absorbs them as the start-up does. The loading is
+// defined in motor.cpp and the selection run in execucao.cpp, which applies each rule through
+// despacho.h.
 #pragma once
 
 #include <cstdint>
@@ -12,8 +14,8 @@
 
 #include "base/ambiente.h"
 #include "base/sistema_arquivos.h"
-#include "state/estado.h"
 #include "engine/execucao.h"
+#include "state/estado.h"
 
 namespace lumavox {
 
@@ -31,6 +33,8 @@ class Motor {
   void DefinirOrigemHistorico(std::unique_ptr<OrigemHistorico> origem) { historico_ = std::move(origem); }
   void DefinirPainel(Painel* painel) { estado_.painel = painel; }
 
+  // ---- Start-up and loading (motor.cpp) ----
+
   // Debug mode: on when "debug.red" exists in the application folder.
   bool DetectarModoDebug();
   // The rest of the start-up: start time, playlist table ("Abriu Playlists" in debug mode) and
@@ -45,6 +49,8 @@ class Motor {
   void EscreverDebug(std::u16string_view texto);
   void CarregarMusicasTocadas();
 
+  // ---- The selection run (execucao.cpp) ----
+
   // One call of the selection run: reads the level and the advance click, chooses songs until
   // the queue holds two, and hands each over through temp/ and list/.
   ResultadoExecucao TestarRegras();
@@ -57,8 +63,10 @@ class Motor {
   const std::optional<std::string>& UltimoErro() const { return ultimoErro_; }
 
  private:
+  // The player's level and advance click, read at the start of each call (execucao.cpp).
   void LerNivel();
   void LerAvanco();
+  // The draw among the surviving songs (execucao.cpp).
   long Sortear();
 
   fs::path caminhoApp_;
