@@ -13,8 +13,8 @@
 #include "base/texto.h"
 #include "cli/demo.h"
 #include "engine/despacho.h"
-#include "state/estado.h"
 #include "engine/motor.h"
+#include "state/estado.h"
 
 namespace lumavox::bench {
 

@@ -6,8 +6,8 @@
 
 #include <ostream>
 
-#include "state/estado.h"
 #include "engine/execucao.h"
+#include "state/estado.h"
 
 namespace lumavox::cli {
 

@@ -5,8 +5,8 @@
 #include "base/arquivos.h"
 #include "base/erro.h"
 #include "base/numeros.h"
-#include "state/estado.h"
 #include "rules/candidatos.h"
+#include "state/estado.h"
 #include "stores/banco_sqlite.h"
 #include "stores/saida.h"
 

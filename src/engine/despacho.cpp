@@ -4,9 +4,9 @@
 
 #include "base/erro.h"
 #include "base/numeros.h"
-#include "state/estado.h"
 #include "engine/registro.h"
 #include "rules/regras.h"
+#include "state/estado.h"
 
 namespace lumavox {
 

@@ -4,11 +4,11 @@
 
 #include <cmath>
 
-#include "base/sistema_arquivos.h"
 #include "base/numeros.h"
+#include "base/sistema_arquivos.h"
 #include "engine/despacho.h"
-#include "engine/registro.h"
 #include "engine/motor.h"
+#include "engine/registro.h"
 #include "rules/candidatos.h"
 #include "stores/saida.h"
 

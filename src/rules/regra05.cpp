@@ -2,9 +2,9 @@
 // then those rated exactly 9 or 10 each get an even chance back.
 #include "base/numeros.h"
 #include "rules/candidatos.h"
-#include "state/indice_historico.h"
 #include "rules/regras.h"
 #include "rules/sorteio.h"
+#include "state/indice_historico.h"
 #include "stores/acervo.h"
 
 namespace lumavox {

@@ -6,8 +6,8 @@
 #include "base/datas.h"
 #include "base/numeros.h"
 #include "rules/candidatos.h"
-#include "state/indice_historico.h"
 #include "rules/regras.h"
+#include "state/indice_historico.h"
 
 namespace lumavox {
 

@@ -5,8 +5,8 @@
 #include "base/numeros.h"
 #include "rules/candidatos.h"
 #include "rules/regras.h"
-#include "stores/ritmo.h"
 #include "stores/acervo.h"
+#include "stores/ritmo.h"
 
 namespace lumavox {
 

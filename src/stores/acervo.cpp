@@ -1,8 +1,8 @@
 #include "stores/acervo.h"
 
 #include "base/numeros.h"
-#include "stores/ritmo.h"
 #include "stores/codec.h"
+#include "stores/ritmo.h"
 
 namespace lumavox {
 

@@ -7,8 +7,8 @@
 #include "base/numeros.h"
 #include "base/texto.h"
 #include "engine/despacho.h"
-#include "state/estado.h"
 #include "fuzz_apoio.h"
+#include "state/estado.h"
 
 using namespace lumavox;
 namespace fs = std::filesystem;
