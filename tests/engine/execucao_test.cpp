@@ -127,19 +127,5 @@ TEST_F(ExecucaoTeste, PastaTempInutilizavelNaoImpedeAFila) {
   EXPECT_TRUE(r.selecoes[0].lre.has_value());
 }
 
-TEST(ChecarMusicasTocadas, CompactaSoAcimaDe3500) {
-  auto e = std::make_unique<Estado>();
-  for (long i = 0; i < 3500; ++i) e->AdicionarTocada(static_cast<int32_t>(i + 1), DataHora{});
-  e->ChecarMusicasTocadas();
-  EXPECT_EQ(e->historico().TotalTocadas, 3500);
-  e->AdicionarTocada(3501, DataHora{});
-  EXPECT_EQ(e->IndiceDoHistorico().PrimeiraDoCodigo(2501), 2500);
-  e->ChecarMusicasTocadas();
-  EXPECT_EQ(e->historico().TotalTocadas, 501);
-  EXPECT_EQ(e->historico().HistoricoCodigos[-500], 2501);
-  EXPECT_EQ(e->historico().HistoricoCodigos[500], 3501);
-  EXPECT_EQ(e->IndiceDoHistorico().PrimeiraDoCodigo(2501), -500);  // the index followed the move
-}
-
 }  // namespace
 }  // namespace lumavox

@@ -63,13 +63,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* dados, size_t tamanho) {
       Partes(std::string_view(reinterpret_cast<const char*>(dados) + 1, tamanho - 1), 4);
   const Texto& filtro = partes[0];
   const std::vector<Texto> tags(partes.begin() + 1, partes.end());
-  e.acervo().TotalMusicas = 3;
-  for (long s = 0; s < 3; ++s) {
-    // The filter names its own field; the tags go into that one and into the chosen one.
-    e.acervo().AcervoTags.Definir(s, campo, tags[static_cast<size_t>(s)]);
-    const int16_t doFiltro = IndiceCampo(filtro);
-    if (doFiltro != kCampoDesconhecido) e.acervo().AcervoTags.Definir(s, doFiltro, tags[static_cast<size_t>(s)]);
-  }
+  e.CarregarAcervo([&](Acervo& a) {
+    a.TotalMusicas = 3;
+    for (long s = 0; s < 3; ++s) {
+      // The filter names its own field; the tags go into that one and into the chosen one.
+      a.AcervoTags.Definir(s, campo, tags[static_cast<size_t>(s)]);
+      const int16_t doFiltro = IndiceCampo(filtro);
+      if (doFiltro != kCampoDesconhecido) a.AcervoTags.Definir(s, doFiltro, tags[static_cast<size_t>(s)]);
+    }
+  });
 
   // A warm cache (every earlier input left its texts in it) answers as an empty one does.
   // Emptying it reallocates the per-slot table, so only one input in 64 pays for the check.

@@ -1,0 +1,107 @@
+// The state's indexes cannot go stale: every way the collection or the history changes is one of
+// Estado's operations, and the next lookup sees the change, even after a load that raised.
+#include "state/estado.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <stdexcept>
+
+#include "apoio/estacao.h"
+#include "base/erro.h"
+
+namespace lumavox {
+namespace {
+
+// The positions of a code's plays, newest first, as the index chains them.
+std::vector<long> TocadasDoCodigo(const Estado& e, int32_t codigo) {
+  std::vector<long> posicoes;
+  const IndiceHistorico& indice = e.IndiceDoHistorico();
+  for (long p = indice.PrimeiraDoCodigo(codigo); p != IndiceHistorico::kFim; p = indice.SeguinteDoCodigo(p))
+    posicoes.push_back(p);
+  return posicoes;
+}
+
+std::vector<long> TocadasDoSlot(const Estado& e, long slot) {
+  std::vector<long> posicoes;
+  const IndiceHistorico& indice = e.IndiceDoHistorico();
+  for (long p = indice.PrimeiraDoSlot(slot); p != IndiceHistorico::kFim; p = indice.SeguinteDoSlot(p))
+    posicoes.push_back(p);
+  return posicoes;
+}
+
+void Codigos(Estado& e, std::initializer_list<int32_t> codigos) {
+  e.CarregarAcervo([&](Acervo& a) {
+    long slot = 0;
+    for (int32_t c : codigos) a.AcervoCodigos[slot++] = c;
+    a.TotalMusicas = static_cast<int16_t>(slot);
+  });
+}
+
+TEST(Estado, LocalizarMusicaSegueCadaCargaDoAcervo) {
+  auto e = std::make_unique<Estado>();
+  Codigos(*e, {10, 20, 10});
+  EXPECT_EQ(e->LocalizarMusica(20), 1);
+  EXPECT_EQ(e->LocalizarMusica(10), 0);  // a repeated code: the first slot wins
+  EXPECT_EQ(e->LocalizarMusica(30), kSlotAusente);
+
+  Codigos(*e, {30, 20});
+  EXPECT_EQ(e->LocalizarMusica(30), 0);
+  EXPECT_EQ(e->LocalizarMusica(10), 2);  // past the last song, the earlier load's code still counts
+
+  // A load that raises half-way: what it wrote before raising is what lookups see.
+  EXPECT_THROW(e->CarregarAcervo([](Acervo& a) {
+    a.AcervoCodigos[0] = 40;
+    throw std::runtime_error("linha ruim");
+  }),
+               std::runtime_error);
+  EXPECT_EQ(e->LocalizarMusica(40), 0);
+  EXPECT_EQ(e->LocalizarMusica(30), kSlotAusente);
+}
+
+TEST(Estado, IndiceDoHistoricoSegueTocadasSubstituicaoECodigos) {
+  auto e = std::make_unique<Estado>();
+  Codigos(*e, {10, 20});
+  e->AdicionarTocada(10, DataHora{});
+  e->AdicionarTocada(20, DataHora{});
+  EXPECT_EQ(TocadasDoCodigo(*e, 10), std::vector<long>{0});
+  e->AdicionarTocada(10, DataHora{});
+  EXPECT_EQ(TocadasDoCodigo(*e, 10), (std::vector<long>{2, 0}));
+  EXPECT_EQ(TocadasDoSlot(*e, 0), (std::vector<long>{2, 0}));
+
+  // The song of code 10 moves to slot 1: the slot chains follow the collection.
+  Codigos(*e, {20, 10});
+  EXPECT_EQ(TocadasDoSlot(*e, 1), (std::vector<long>{2, 0}));
+  EXPECT_EQ(TocadasDoSlot(*e, 0), std::vector<long>{1});
+
+  e->SubstituirHistorico([](Historico& h) {
+    h.HistoricoCodigos[0] = 20;
+    h.TotalTocadas = 1;
+  });
+  EXPECT_TRUE(TocadasDoCodigo(*e, 10).empty());
+  EXPECT_EQ(TocadasDoCodigo(*e, 20), std::vector<long>{0});
+}
+
+TEST(Estado, HistoricoCheioRecusaATocadaSemMudarNada) {
+  auto e = std::make_unique<Estado>();
+  e->SubstituirHistorico([](Historico& h) { h.TotalTocadas = 4001; });
+  EXPECT_EQ(teste::ErroDe([&] { e->AdicionarTocada(7, DataHora{}); }), CodigoErro::ForaDoIntervalo);
+  EXPECT_EQ(e->historico().TotalTocadas, 4001);
+}
+
+TEST(Estado, ChecarMusicasTocadasCompactaSoAcimaDe3500) {
+  auto e = std::make_unique<Estado>();
+  for (long i = 0; i < 3500; ++i) e->AdicionarTocada(static_cast<int32_t>(i + 1), DataHora{});
+  e->ChecarMusicasTocadas();
+  EXPECT_EQ(e->historico().TotalTocadas, 3500);
+  e->AdicionarTocada(3501, DataHora{});
+  EXPECT_EQ(e->IndiceDoHistorico().PrimeiraDoCodigo(2501), 2500);
+  e->ChecarMusicasTocadas();
+  EXPECT_EQ(e->historico().TotalTocadas, 501);
+  EXPECT_EQ(e->historico().HistoricoCodigos[-500], 2501);
+  EXPECT_EQ(e->historico().HistoricoCodigos[500], 3501);
+  EXPECT_EQ(e->IndiceDoHistorico().PrimeiraDoCodigo(2501), -500);  // the index followed the move
+}
+
+}  // namespace
+}  // namespace lumavox
