@@ -1,17 +1,50 @@
 #include "base/arquivos.h"
 
+#include "base/erro.h"
+
 namespace lumavox {
 
 std::vector<Texto> LerLinhas(SistemaArquivos& arquivos, const fs::path& caminho) {
   return DividirLinhas(DecodificarBytes(arquivos.LerBytes(caminho)));
 }
 
-void EscreverLinha(SistemaArquivos& arquivos, const fs::path& caminho, std::u16string_view linha) {
+namespace {
+
+std::string Linha(std::u16string_view linha) {
 #ifdef _WIN32
-  arquivos.EscreverBytes(caminho, ParaUtf8(linha) + "\r\n");
+  return ParaUtf8(linha) + "\r\n";
 #else
-  arquivos.EscreverBytes(caminho, ParaUtf8(linha) + "\n");
+  return ParaUtf8(linha) + "\n";
 #endif
+}
+
+}  // namespace
+
+void EscreverLinha(SistemaArquivos& arquivos, const fs::path& caminho, std::u16string_view linha) {
+  arquivos.EscreverBytes(caminho, Linha(linha));
+}
+
+void EscreverInteiro(SistemaArquivos& arquivos, const fs::path& caminho, std::string_view bytes) {
+  fs::path parcial = caminho;
+  parcial += kTerminacaoParcial;
+  try {
+    arquivos.EscreverBytes(parcial, bytes);
+    arquivos.Sincronizar(parcial);
+    arquivos.Renomear(parcial, caminho);
+  } catch (...) {
+    arquivos.Apagar(parcial);
+    throw;
+  }
+  // The new name itself reaches the disk with its folder. Failing here is no reason to undo
+  // what readers can already see: the file is whole either way.
+  try {
+    arquivos.Sincronizar(caminho.parent_path().empty() ? fs::path(".") : caminho.parent_path());
+  } catch (const ErroExecucao&) {
+  }
+}
+
+void EscreverLinhaInteira(SistemaArquivos& arquivos, const fs::path& caminho, std::u16string_view linha) {
+  EscreverInteiro(arquivos, caminho, Linha(linha));
 }
 
 std::string LerBytes(const fs::path& caminho) { return ArquivosReais().LerBytes(caminho); }

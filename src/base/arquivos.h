@@ -22,6 +22,14 @@ std::vector<Texto> LerLinhas(SistemaArquivos& arquivos, const fs::path& caminho)
 // Windows, LF elsewhere); every reader of the engine takes both.
 void EscreverLinha(SistemaArquivos& arquivos, const fs::path& caminho, std::u16string_view linha);
 
+// For a file another program may take at any moment: the bytes go to a name beside it ending in
+// kTerminacaoParcial, reach the disk, and only then take the file's name, so a reader sees the
+// old file or the whole new one, and a power cut leaves one or the other. When any step fails
+// the partial file is deleted, the old file is left as it was, and the step's error is raised.
+void EscreverInteiro(SistemaArquivos& arquivos, const fs::path& caminho, std::string_view bytes);
+void EscreverLinhaInteira(SistemaArquivos& arquivos, const fs::path& caminho, std::u16string_view linha);
+inline constexpr std::string_view kTerminacaoParcial = ".parcial";
+
 std::string LerBytes(const fs::path& caminho);
 std::vector<Texto> LerLinhas(const fs::path& caminho);
 void EscreverBytes(const fs::path& caminho, std::string_view bytes);

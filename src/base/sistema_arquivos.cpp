@@ -1,5 +1,8 @@
 #include "base/sistema_arquivos.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstring>
 #include <fstream>
@@ -26,13 +29,49 @@ std::string SistemaArquivosReal::LerBytes(const fs::path& caminho) {
   return bytes;
 }
 
+namespace {
+
+// Closes the descriptor when the operation leaves, whichever way.
+class Descritor {
+ public:
+  explicit Descritor(int fd) : fd_(fd) {}
+  ~Descritor() {
+    if (fd_ >= 0) ::close(fd_);
+  }
+  Descritor(const Descritor&) = delete;
+  Descritor& operator=(const Descritor&) = delete;
+  int Fd() const { return fd_; }
+  // The close's own answer: a full disk on a network or delayed-allocation file system may be
+  // told only here.
+  int Fechar() {
+    const int r = ::close(fd_);
+    fd_ = -1;
+    return r;
+  }
+
+ private:
+  int fd_;
+};
+
+}  // namespace
+
 void SistemaArquivosReal::EscreverBytes(const fs::path& caminho, std::string_view bytes) {
-  errno = 0;
-  std::ofstream saida(caminho, std::ios::binary | std::ios::trunc);
-  if (!saida) throw ErroDeArquivo(errno, "Permission denied:", caminho);
-  saida.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  saida.close();
-  if (!saida) throw ErroDeArquivo(errno, "Erro ao gravar", caminho);
+  Descritor arquivo(::open(caminho.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
+  if (arquivo.Fd() < 0) throw ErroDeArquivo(errno, "Permission denied:", caminho);
+  // write() may take fewer bytes than asked (a signal, a nearly full disk): go on from there.
+  while (!bytes.empty()) {
+    const ssize_t escritos = ::write(arquivo.Fd(), bytes.data(), bytes.size());
+    if (escritos < 0 && errno == EINTR) continue;
+    if (escritos <= 0) throw ErroDeArquivo(escritos < 0 ? errno : ENOSPC, "Erro ao gravar", caminho);
+    bytes.remove_prefix(static_cast<size_t>(escritos));
+  }
+  if (arquivo.Fechar() != 0 && errno != EINTR) throw ErroDeArquivo(errno, "Erro ao gravar", caminho);
+}
+
+void SistemaArquivosReal::Sincronizar(const fs::path& caminho) {
+  Descritor arquivo(::open(caminho.c_str(), O_RDONLY | O_CLOEXEC));
+  if (arquivo.Fd() < 0) throw ErroDeArquivo(errno, "Erro ao sincronizar", caminho);
+  if (::fsync(arquivo.Fd()) != 0) throw ErroDeArquivo(errno, "Erro ao sincronizar", caminho);
 }
 
 void SistemaArquivosReal::Renomear(const fs::path& de, const fs::path& para) {

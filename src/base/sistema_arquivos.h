@@ -29,8 +29,12 @@ class SistemaArquivos {
   // ErroDeEntradaSaida.
   virtual std::string LerBytes(const fs::path& caminho) = 0;
   // Creates or truncates the file and writes `bytes`; raises as LerBytes. A write that fails
-  // part-way leaves the file with what reached the disk.
+  // part-way leaves the file with what reached the disk. For a file another program may take at
+  // any moment, EscreverInteiro (base/arquivos.h) builds on this.
   virtual void EscreverBytes(const fs::path& caminho, std::string_view bytes) = 0;
+  // Waits until the file's bytes, or a folder's entries, are on the disk itself, so they outlast
+  // a power cut; raises as LerBytes.
+  virtual void Sincronizar(const fs::path& caminho) = 0;
   // Replaces `para` if it exists; raises as LerBytes, leaving both names as they were.
   virtual void Renomear(const fs::path& de, const fs::path& para) = 0;
   // False when nothing was deleted: the file was missing or could not be removed.
@@ -52,6 +56,7 @@ class SistemaArquivosReal final : public SistemaArquivos {
  public:
   std::string LerBytes(const fs::path& caminho) override;
   void EscreverBytes(const fs::path& caminho, std::string_view bytes) override;
+  void Sincronizar(const fs::path& caminho) override;
   void Renomear(const fs::path& de, const fs::path& para) override;
   bool Apagar(const fs::path& caminho) noexcept override;
   bool ArquivoExiste(const fs::path& caminho) noexcept override;

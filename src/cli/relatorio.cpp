@@ -36,7 +36,7 @@ nlohmann::ordered_json SelecaoJson(const Estado& e, const SelecaoFeita& s) {
         for (const MusicaLog& m : no.musicas) restantes.push_back(m.codigo);
         continue;
       }
-      if (no.tipo == TipoLog::Escolhida || no.tipo == TipoLog::Inicio) continue;
+      if (no.tipo == TipoLog::Escolhida || no.tipo == TipoLog::Inicio || no.tipo == TipoLog::EntregaFalhou) continue;
       nlohmann::ordered_json removidas = nlohmann::ordered_json::array();
       for (const MusicaLog& m : no.musicas) removidas.push_back(m.codigo);
       nlohmann::ordered_json regra = {{"numero", no.regraNumero},
@@ -48,13 +48,15 @@ nlohmann::ordered_json SelecaoJson(const Estado& e, const SelecaoFeita& s) {
       regras.push_back(std::move(regra));
     }
   }
-  return {{"numero", s.numero},
+  nlohmann::ordered_json json = {{"numero", s.numero},
           {"nivel", s.nivel},
           {"conjunto", s.conjunto},
           {"regras", std::move(regras)},
           {"restantes", std::move(restantes)},
           {"escolhida", s.escolhida},
           {"arquivos", {{"mrt", Opcional(s.mrt)}, {"lre", Opcional(s.lre)}}}};
+  if (s.erroEntrega) json["erro"] = *s.erroEntrega;
+  return json;
 }
 
 void ImprimirArvore(std::ostream& out, const NoLog& no, int nivel) {

@@ -61,6 +61,12 @@ bool PreencherTocadas(Estado& e, const std::string& lista, DataHora agora, std::
   return true;
 }
 
+// A choice that could not be handed over, on stderr (the journal, under the service).
+void AvisarEntrega(Contexto& ctx, const SelecaoFeita& s) {
+  if (s.erroEntrega)
+    ctx.erros << "erro: a música " << s.escolhida << " não foi entregue ao tocador: " << *s.erroEntrega << std::endl;
+}
+
 std::unique_ptr<AmbienteCli> CriarAmbiente(Contexto& ctx, const OpcoesSelecao& op) {
   std::optional<DataHora> agora;
   if (!op.agora.empty()) {
@@ -93,6 +99,7 @@ void ExecutarSelecao(Contexto& ctx, const OpcoesSelecao& op) {
 
   const ResultadoExecucao r = motor->TestarRegras();
   const Estado& e = motor->E();
+  for (const SelecaoFeita& s : r.selecoes) AvisarEntrega(ctx, s);
   if (op.json) {
     nlohmann::ordered_json selecoes = nlohmann::ordered_json::array();
     for (const SelecaoFeita& s : r.selecoes) selecoes.push_back(SelecaoJson(e, s));
@@ -128,6 +135,7 @@ void ExecutarLaco(Contexto& ctx, const std::string& dir, int limite) {
     for (const SelecaoFeita& s : r.selecoes) {
       ctx.saida << FormatarIso(ambiente.Agora()) << "  nível " << s.nivel << "  conjunto " << s.conjunto
                 << "  escolhida " << s.escolhida << "  " << s.lre.value_or("(fila não gravada)") << std::endl;
+      AvisarEntrega(ctx, s);
       ++feitas;
     }
     // The timer's wait, in short steps so a stop request is answered at once.

@@ -4,6 +4,7 @@
 
 #include <cmath>
 
+#include "base/arquivos.h"
 #include "base/numeros.h"
 #include "base/sistema_arquivos.h"
 #include "engine/despacho.h"
@@ -23,6 +24,9 @@ constexpr int kMinimoMusicas = 51;
 constexpr int kEsperaEntregaMs = 800;
 constexpr int kEsperaAcervoPequenoMs = 60000;
 constexpr int64_t kMaiorContador = 999999;
+// After a hand-over fails the next call waits this long: a full disk is not asked again every
+// second with a whole selection each time, and the queue fills again soon after space returns.
+constexpr int kEsperaAposFalhaMs = 3000;
 
 }  // namespace
 
@@ -107,6 +111,9 @@ ResultadoExecucao Motor::TestarRegras() {
   if (x.Iniciado == 0) {
     ApagarArquivos(arquivos, ListarArquivos(arquivos, pastaFila, ".lre"));
     ApagarArquivos(arquivos, ListarArquivos(arquivos, pastaTemp, ".mrt"));
+    // What a write cut short by a crash or a power cut left behind.
+    ApagarArquivos(arquivos, ListarArquivos(arquivos, pastaFila, std::string(kTerminacaoParcial)));
+    ApagarArquivos(arquivos, ListarArquivos(arquivos, pastaTemp, std::string(kTerminacaoParcial)));
   }
   ambiente_.SemearPeloRelogio();
   sel.DataHoraReferencia = ambiente_.Agora();
@@ -163,17 +170,22 @@ ResultadoExecucao Motor::TestarRegras() {
     arquivos.CriarPastas(pastaTemp);
     arquivos.CriarPastas(pastaFila);
     const std::string nomeTemp = NomeArquivoTemp(x.ContadorSaida);
-    if (GerarArquivoSaida(arquivos, caminhoApp_ / "mre" / NomeArquivoMusica(codigo), x.ContadorSaida, caminhoApp_))
+    std::string erro;
+    if (GerarArquivoSaida(arquivos, caminhoApp_ / "mre" / NomeArquivoMusica(codigo), x.ContadorSaida, caminhoApp_,
+                          &erro))
       feita.mrt = "temp/" + nomeTemp;
-    ambiente_.Esperar(kEsperaEntregaMs);
     const std::string nomeFila = NomeArquivoFila(x.ContadorSaida, codigo, x.NivelAtual);
-    if (EscreverFila(arquivos, caminhoApp_, nomeFila, codigo)) {
-      feita.lre = "list/" + nomeFila;
-    } else if (feita.mrt) {
-      // Media without a queue entry would never be played nor deleted: it goes at once.
-      ApagarArquivo(arquivos, pastaTemp / nomeTemp);
-      feita.mrt.reset();
+    if (erro.empty()) {
+      ambiente_.Esperar(kEsperaEntregaMs);
+      if (EscreverFila(arquivos, caminhoApp_, nomeFila, codigo, &erro)) {
+        feita.lre = "list/" + nomeFila;
+      } else if (feita.mrt) {
+        // Media without a queue entry would never be played nor deleted: it goes at once.
+        ApagarArquivo(arquivos, pastaTemp / nomeTemp);
+        feita.mrt.reset();
+      }
     }
+    if (!erro.empty()) feita.erroEntrega = erro;
 
     if (sel.MusicasEscolhidas > 1) {
       const double duracao = ValorNumerico(a.AcervoTags(escolhido, kCampoDuracaoSec));
@@ -181,6 +193,7 @@ ResultadoExecucao Motor::TestarRegras() {
         sel.DataHoraReferencia = SomarSegundos(sel.DataHoraReferencia, static_cast<int64_t>(ArredondarPar(duracao)));
     }
     RegistrarLog(estado_, TipoLog::Escolhida, codigo);
+    if (feita.erroEntrega) RegistrarLog(estado_, TipoLog::EntregaFalhou, codigo, 0, *feita.erroEntrega);
     ++sel.MusicasEscolhidas;
 
     if (x.NivelMudou == 1) {
@@ -193,6 +206,14 @@ ResultadoExecucao Motor::TestarRegras() {
       x.NivelMudou = 0;
     }
 
+    if (feita.erroEntrega) {
+      // Nothing reached the player, so the song never aired: it stays out of the history, and
+      // the call ends here rather than choose again into the same failure.
+      x.CliqueAvancar = 0;
+      resultado.selecoes.push_back(std::move(feita));
+      resultado.proximoIntervaloMs = kEsperaAposFalhaMs;
+      break;
+    }
     // The chosen song joins the history at the moment the rules took as now for it.
     try {
       estado_.AdicionarTocada(codigo, momento);

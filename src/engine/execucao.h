@@ -17,11 +17,14 @@ struct SelecaoFeita {
   std::string chaveLog;    // the selection's subtree in the rule log ("P" + counter)
   std::optional<std::string> mrt;  // "temp/000001.mrt" when written
   std::optional<std::string> lre;  // "list/000001_0001234_050.lre" when written
+  // Why the choice could not be handed over whole (the disk is full, a folder refuses writes):
+  // nothing of it reached the player and it did not join the history.
+  std::optional<std::string> erroEntrega;
 };
 
 struct ResultadoExecucao {
   std::vector<SelecaoFeita> selecoes;
-  int proximoIntervaloMs = 1000;  // when the timer should fire again
+  int proximoIntervaloMs = 1000;  // when the timer should fire again; longer after a failed hand-over
 };
 
 }  // namespace lumavox

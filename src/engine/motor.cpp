@@ -70,7 +70,7 @@ void Motor::DefinirAcervo(int32_t CodAcervo, int16_t CarregarLogs) {
     });
   });
 
-  EscreverLinha(ambiente_.Arquivos(), caminhoApp_ / "nreg.rer", DeUtf8(std::to_string(acervo.TotalMusicas)));
+  EscreverLinhaInteira(ambiente_.Arquivos(), caminhoApp_ / "nreg.rer", DeUtf8(std::to_string(acervo.TotalMusicas)));
 
   for (int n = 0; n <= 2; ++n)
     CarregarArquivoRegras(ambiente_.Arquivos(), estado_.catalogo, n,

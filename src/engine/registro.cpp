@@ -84,6 +84,13 @@ void RegistrarLog(Estado& e, TipoLog tipo, int32_t valor, int16_t contagem, cons
       Pai(e).filhos.push_back(std::move(no));
       return;
     }
+    case TipoLog::EntregaFalhou: {
+      NoLog no = Entrada(agora, Chave("F", n), u"ENTREGA FALHOU: " + Num(valor) + u" - " + DeUtf8(erro), tipo);
+      no.codigo = valor;
+      no.erro = erro;
+      Pai(e).filhos.push_back(std::move(no));
+      return;
+    }
     case TipoLog::Escolhida: {
       NoLog no = Entrada(agora, Chave("E", n), Num(n) + u" / " + Num(a.TotalMusicas - s.MusicasExcluidas) + u" -> " + Num(valor), tipo);
       no.codigo = valor;

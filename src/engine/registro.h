@@ -17,8 +17,8 @@ class Estado;
 Texto MontarDescricao(const Estado& e);
 
 // Adds one entry of the given kind to the log of the current selection. `valor` is the chosen
-// song's code for Escolhida; `contagem` the songs a rule would leave out (rule entries);
-// `erro` the cause of an Erro entry.
+// song's code for Escolhida and EntregaFalhou; `contagem` the songs a rule would leave out (rule
+// entries); `erro` the cause of an Erro or EntregaFalhou entry.
 void RegistrarLog(Estado& e, TipoLog tipo, int32_t valor = 0, int16_t contagem = 0,
                   const std::string& erro = {});
 

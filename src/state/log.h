@@ -22,6 +22,7 @@ enum class TipoLog : int16_t {
   NaoRealizada = 4,  // "REGRA SCRIPT NÃO REALIZADO: "
   Inicio = 5,        // parent entry of a selection
   Erro = 6,          // the rule raised an error and was ended without removals
+  EntregaFalhou = 7, // "ENTREGA FALHOU: ": the choice could not be handed over whole
 };
 
 // A song under a rule entry (removed by it) or under the remaining-songs entry. Kept compact:

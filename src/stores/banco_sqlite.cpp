@@ -37,6 +37,9 @@ BancoLogs::BancoLogs(const fs::path& arquivo) {
   }
   sqlite3_busy_timeout(db_, kEsperaEscritaMs);
   try {
+    // Write-ahead logging, kept by the file once set: the engine's reads never hold up the
+    // player's writes, nor the writes the reads.
+    Executar("PRAGMA journal_mode=WAL;");
     Executar(kEsquema);
   } catch (...) {
     sqlite3_close(db_);

@@ -20,14 +20,21 @@ std::optional<Texto> LerPrimeiraLinha(SistemaArquivos& arquivos, const fs::path&
 }
 
 bool GerarArquivoSaida(SistemaArquivos& arquivos, const fs::path& origem, int64_t contador,
-                       const fs::path& pasta) {
+                       const fs::path& pasta, std::string* erro) {
   if (!arquivos.ArquivoExiste(origem)) return false;
+  std::string bytes;
   try {
-    std::string bytes = arquivos.LerBytes(origem);
-    for (char& b : bytes) b = static_cast<char>(255 - static_cast<unsigned char>(b));
-    arquivos.EscreverBytes(pasta / "temp" / NomeArquivoTemp(contador), bytes);
+    bytes = arquivos.LerBytes(origem);
+  } catch (const ErroExecucao& e) {
+    if (erro && e.Codigo() != CodigoErro::ArquivoNaoEncontrado) *erro = e.what();
+    return false;
+  }
+  for (char& b : bytes) b = static_cast<char>(255 - static_cast<unsigned char>(b));
+  try {
+    EscreverInteiro(arquivos, pasta / "temp" / NomeArquivoTemp(contador), bytes);
     return true;
-  } catch (const ErroExecucao&) {
+  } catch (const ErroExecucao& e) {
+    if (erro) *erro = e.what();
     return false;
   }
 }
@@ -38,11 +45,13 @@ std::string NomeArquivoFila(int64_t contador, int32_t codigo, int nivel) {
   return FormatarZeros(contador, 6) + "_" + FormatarZeros(codigo, 7) + "_" + FormatarZeros(nivel, 3) + ".lre";
 }
 
-bool EscreverFila(SistemaArquivos& arquivos, const fs::path& pasta, const std::string& nome, int32_t codigo) {
+bool EscreverFila(SistemaArquivos& arquivos, const fs::path& pasta, const std::string& nome, int32_t codigo,
+                  std::string* erro) {
   try {
-    EscreverLinha(arquivos, pasta / "list" / nome, DeUtf8(std::to_string(codigo)));
+    EscreverLinhaInteira(arquivos, pasta / "list" / nome, DeUtf8(std::to_string(codigo)));
     return true;
-  } catch (const ErroExecucao&) {
+  } catch (const ErroExecucao& e) {
+    if (erro) *erro = e.what();
     return false;
   }
 }

@@ -1,7 +1,8 @@
 // The hand-over to the player: the files the selection run reads (ritmo.rer, avancar.rer)
 // and writes (temp/NNNNNN.mrt, the song's media with every byte complemented, and
 // list/NNNNNN_CCCCCCC_LLL.lre, the queue entry). Every function here fails quietly, as the run
-// ignores file errors and looks at the outcome.
+// ignores file errors and looks at the outcome; what the player may take appears whole or not
+// at all.
 #pragma once
 
 #include <cstdint>
@@ -22,14 +23,18 @@ namespace fs = std::filesystem;
 std::optional<Texto> LerPrimeiraLinha(SistemaArquivos& arquivos, const fs::path& arquivo);
 
 // Copies the media file with every byte b written as 255 - b to temp/<contador>.mrt under
-// `pasta`. A missing source writes nothing. True when the target was written.
+// `pasta`, whole or not at all. True when the target was written. A source that is missing, or
+// vanishes before it is read, writes nothing and is no error; any other failure leaves no
+// target and says why in `erro`.
 bool GerarArquivoSaida(SistemaArquivos& arquivos, const fs::path& origem, int64_t contador,
-                       const fs::path& pasta);
+                       const fs::path& pasta, std::string* erro = nullptr);
 
 std::string NomeArquivoTemp(int64_t contador);                                // "000007.mrt"
 std::string NomeArquivoFila(int64_t contador, int32_t codigo, int nivel);     // "000007_0001234_050.lre"
-// Writes the queue file with the song code as its only line. True when written.
-bool EscreverFila(SistemaArquivos& arquivos, const fs::path& pasta, const std::string& nome, int32_t codigo);
+// Writes the queue file with the song code as its only line, whole or not at all. True when
+// written; otherwise `erro` says why.
+bool EscreverFila(SistemaArquivos& arquivos, const fs::path& pasta, const std::string& nome, int32_t codigo,
+                  std::string* erro = nullptr);
 
 // The files of a folder whose names end in `extensao` (".lre"), sorted by name; empty when
 // the folder cannot be read.

@@ -37,6 +37,7 @@ class SistemaArquivosFalho : public SistemaArquivos {
 
   std::string LerBytes(const fs::path& caminho) override;
   void EscreverBytes(const fs::path& caminho, std::string_view bytes) override;
+  void Sincronizar(const fs::path& caminho) override { base_.Sincronizar(caminho); }
   void Renomear(const fs::path& de, const fs::path& para) override;
   bool Apagar(const fs::path& caminho) noexcept override;
   bool ArquivoExiste(const fs::path& caminho) noexcept override;

@@ -9,6 +9,7 @@
 
 #include "apoio/estacao.h"
 #include "apoio/sistema_arquivos_falho.h"
+#include "base/arquivos.h"
 
 namespace lumavox {
 namespace {
@@ -157,6 +158,37 @@ TEST_F(ArquivosFalhos, ArquivoSomeUmaVezLogoDepoisDeVisto) {
   estacao.GravarTexto("list/1.lre", "1\n");
   EXPECT_EQ(falho.Listar(estacao.Caminho("list"), ".lre").size(), 1u);
   EXPECT_TRUE(estacao.Existe("list/1.lre"));
+}
+
+// Whatever step of a whole write fails, readers see the old file as it was and nothing partial
+// stays beside it; when none fails they see the whole new one.
+TEST_F(ArquivosFalhos, EscritaInteiraOuNenhuma) {
+  const fs::path alvo = estacao.Caminho("list/000001_0000007_050.lre");
+  estacao.GravarTexto("list/000001_0000007_050.lre", "antigo\n");
+  auto SoOAlvo = [&] {
+    std::vector<fs::path> lista = falho.Listar(estacao.Caminho("list"), "");
+    return lista == std::vector<fs::path>{alvo};
+  };
+
+  falho.EncherDiscoApos(3);
+  EXPECT_EQ(ErroDe([&] { EscreverInteiro(falho, alvo, "0000007\n"); }), CodigoErro::ErroDeEntradaSaida);
+  EXPECT_EQ(estacao.Ler("list/000001_0000007_050.lre"), "antigo\n");
+  EXPECT_TRUE(SoOAlvo());
+  falho.LiberarDisco();
+
+  fs::path parcial = alvo;
+  parcial += kTerminacaoParcial;
+  falho.NegarRenomear(parcial);
+  EXPECT_EQ(ErroDe([&] { EscreverLinhaInteira(falho, alvo, u"7"); }), CodigoErro::PermissaoNegada);
+  EXPECT_EQ(estacao.Ler("list/000001_0000007_050.lre"), "antigo\n");
+  EXPECT_TRUE(SoOAlvo());
+  falho.Permitir();
+
+  EscreverLinhaInteira(falho, alvo, u"7");
+  EXPECT_EQ(estacao.Ler("list/000001_0000007_050.lre"), "7\n");
+  EXPECT_TRUE(SoOAlvo());
+  EscreverInteiro(falho, estacao.Caminho("vazio"), "");
+  EXPECT_EQ(estacao.Ler("vazio"), "");
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 
 #include "apoio/estacao.h"
 #include "apoio/sistema_arquivos_falho.h"
+#include "base/arquivos.h"
 #include "cli/demo.h"
 #include "engine/motor.h"
 #include "stores/banco_sqlite.h"
@@ -71,6 +72,8 @@ class Falhas : public ::testing::Test {
       const std::string nome = fs::relative(item.path(), estacao.Pasta()).generic_string();
       if (nome.starts_with("list/") || nome.starts_with("temp/") || nome == "avancar.rer" || nome == "nreg.rer")
         continue;
+      // SQLite's own companions of a database in write-ahead mode come and go with its connections.
+      if (nome.ends_with("-wal") || nome.ends_with("-shm")) continue;
       bytes[nome] = estacao.Ler(nome);
     }
     return bytes;
@@ -218,16 +221,78 @@ TEST_F(Falhas, MidiaApagadaEntreACargaEACopia) {
   EXPECT_FALSE(r.selecoes[0].mrt.has_value());
   EXPECT_TRUE(r.selecoes[0].lre.has_value());
 
+  // Seen by the run, gone before it is read: the same, and no error either.
+  Tocar();
+  arquivos.SumirDepoisDeVisto(estacao.Caminho("mre/0000008.mre"));
+  motor->E().execucao.MusicaForcada = 8;
+  const ResultadoExecucao sumiu = motor->TestarRegras();
+  ASSERT_EQ(sumiu.selecoes.size(), 1u);
+  EXPECT_EQ(sumiu.selecoes[0].escolhida, 8);
+  EXPECT_FALSE(sumiu.selecoes[0].mrt.has_value());
+  EXPECT_TRUE(sumiu.selecoes[0].lre.has_value());
+  EXPECT_FALSE(sumiu.selecoes[0].erroEntrega.has_value());
+
   // The next load drops the song: forcing it then leaves the draw alone.
   TocarAteRecarregar();
-  EXPECT_EQ(motor->E().acervo().TotalMusicas, 59);
+  EXPECT_EQ(motor->E().acervo().TotalMusicas, 58);
   Tocar();
   motor->E().execucao.MusicaForcada = 7;
   const ResultadoExecucao depois = motor->TestarRegras();
   ASSERT_EQ(depois.selecoes.size(), 1u);
   EXPECT_NE(depois.selecoes[0].escolhida, 7);
   EXPECT_TRUE(depois.selecoes[0].mrt.has_value());
-  ConferirPreservados({"mre/0000007.mre"});
+  ConferirPreservados({"mre/0000007.mre", "mre/0000008.mre"});
+}
+
+TEST_F(Falhas, DiscoCheioNaoDeixaNadaPelaMetadeEVoltaSozinho) {
+  Montar();
+  motor->TestarRegras();
+  // Every file in list/ and temp/: a failed hand-over must leave nothing behind.
+  auto Entregues = [&] {
+    std::set<std::string> nomes;
+    for (const char* pasta : {"list", "temp"})
+      for (const auto& item : fs::directory_iterator(estacao.Caminho(pasta)))
+        nomes.insert(std::string(pasta) + "/" + item.path().filename().string());
+    return nomes;
+  };
+  const size_t bytesMidia = estacao.Ler("mre/0000007.mre").size();
+  ASSERT_GT(bytesMidia, 2u);
+
+  // Full while the media is written, then with room for the media but not its queue entry.
+  for (const uint64_t espaco : {uint64_t{2}, uint64_t{bytesMidia + 1}}) {
+    Tocar();
+    const std::set<std::string> antes = Entregues();
+    const int16_t tocadas = motor->E().historico().TotalTocadas;
+    arquivos.EncherDiscoApos(espaco);
+    motor->E().execucao.MusicaForcada = 7;
+    const ResultadoExecucao r = motor->TestarRegras();
+    ASSERT_EQ(r.selecoes.size(), 1u) << espaco;
+    EXPECT_TRUE(r.selecoes[0].erroEntrega.has_value()) << espaco;
+    EXPECT_FALSE(r.selecoes[0].mrt || r.selecoes[0].lre) << espaco;
+    EXPECT_EQ(Entregues(), antes) << espaco;
+    EXPECT_EQ(motor->E().historico().TotalTocadas, tocadas) << espaco;
+    // Still full: the next calls fail the same way and leave nothing either.
+    motor->TestarRegras();
+    EXPECT_EQ(Entregues(), antes) << espaco;
+    arquivos.LiberarDisco();
+    motor->TestarRegras();
+    EXPECT_EQ(Fila().size(), 2u) << espaco;
+    EXPECT_EQ(Midias(), 2u) << espaco;
+  }
+  ConferirPreservados();
+}
+
+TEST_F(Falhas, FilaQueNaoSeRenomeiaLevaAMidiaJunto) {
+  Montar();
+  motor->TestarRegras();
+  Tocar();
+  arquivos.NegarRenomear(estacao.Caminho("list"));
+  const ResultadoExecucao r = motor->TestarRegras();
+  ASSERT_EQ(r.selecoes.size(), 1u);
+  EXPECT_TRUE(r.selecoes[0].erroEntrega.has_value());
+  EXPECT_EQ(Fila().size(), 1u);
+  EXPECT_EQ(Midias(), 1u);
+  EXPECT_TRUE(arquivos.Listar(estacao.Caminho("list"), std::string(kTerminacaoParcial)).empty());
 }
 
 // The faults of the log database, each applied to a good one.

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
+#include <chrono>
+#include <string>
 #include <vector>
 
 #include "apoio/estacao.h"
@@ -130,7 +132,9 @@ TEST_F(CargaHistorico, BancoQueNaoAbreOuBloqueadoDeixaTudoComoEstava) {
   Carregar();
   EsperarIntocado();
   fs::remove(estacao.Caminho(kArquivoLogsMdb));
-  ASSERT_EQ(sqlite3_exec(escritor.Conexao(), "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr),
+  // A database kept in the older rollback mode can still be locked by its writer.
+  ASSERT_EQ(sqlite3_exec(escritor.Conexao(), "PRAGMA journal_mode=DELETE; BEGIN EXCLUSIVE", nullptr, nullptr,
+                         nullptr),
             SQLITE_OK);
   Carregar();
   EsperarIntocado();
@@ -197,6 +201,46 @@ TEST_F(CargaHistorico, ConsultaQueFalhaEncerraACargaAli) {
   Carregar(g);
   EXPECT_TRUE(H().HistoricoTipo5(0, 0));
   EXPECT_FALSE(H().HistoricoTipo5(1, 0));
+}
+
+// The player logs while the engine reads: neither waits for the other, and the engine writes
+// nothing into the database.
+TEST_F(CargaHistorico, LeituraEGravacaoNaoSeBloqueiam) {
+  BancoLogs jogador(Banco());
+  jogador.Registrar({102, Dia(22, 9), 0});
+  std::string modo;
+  sqlite3_exec(
+      jogador.Conexao(), "PRAGMA journal_mode", [](void* m, int, char** v, char**) {
+        *static_cast<std::string*>(m) = v[0];
+        return 0;
+      },
+      &modo, nullptr);
+  EXPECT_EQ(modo, "wal");
+
+  // A reader in the middle of its read: the player still logs at once.
+  sqlite3* leitor = nullptr;
+  ASSERT_EQ(sqlite3_open_v2(Banco().c_str(), &leitor, SQLITE_OPEN_READONLY, nullptr), SQLITE_OK);
+  sqlite3_stmt* consulta = nullptr;
+  ASSERT_EQ(sqlite3_prepare_v2(leitor, "SELECT Musica FROM Logs", -1, &consulta, nullptr), SQLITE_OK);
+  ASSERT_EQ(sqlite3_step(consulta), SQLITE_ROW);
+  sqlite3_busy_timeout(jogador.Conexao(), 0);
+  EXPECT_NO_THROW(jogador.Registrar({103, Dia(22, 10), 0}));
+  sqlite3_finalize(consulta);
+  sqlite3_close(leitor);
+
+  // The player in the middle of a write: the engine loads what was committed, without waiting.
+  ASSERT_EQ(sqlite3_exec(jogador.Conexao(), "BEGIN IMMEDIATE; INSERT INTO Logs (Musica, Data, Tipo) "
+                                            "VALUES (101, '2026-11-22 11:00:00', 0);",
+                         nullptr, nullptr, nullptr),
+            SQLITE_OK);
+  const std::string antes = estacao.Ler(kArquivoLogsSqlite);
+  const auto inicio = std::chrono::steady_clock::now();
+  Carregar();
+  EXPECT_LT(std::chrono::steady_clock::now() - inicio, std::chrono::milliseconds(500));
+  EXPECT_EQ(H().HistoricoCodigos[-1], 103);  // the newest committed play; 101 is not yet
+  EXPECT_EQ(H().HistoricoCodigos[-2], 102);
+  EXPECT_EQ(estacao.Ler(kArquivoLogsSqlite), antes);
+  sqlite3_exec(jogador.Conexao(), "COMMIT", nullptr, nullptr, nullptr);
 }
 
 TEST(ValoresDoBanco, DatasOleENumeros) {
