@@ -41,8 +41,10 @@ set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 # The libraries the programs link come from dpkg-shlibdeps; Qt loads its platform plugin at run
 # time, which no link shows.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+# adduser makes the service's user in postinst.
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "adduser")
 if(TARGET lumavox)
-  set(CPACK_DEBIAN_PACKAGE_DEPENDS "qt6-qpa-plugins")
+  set(CPACK_DEBIAN_PACKAGE_DEPENDS "adduser, qt6-qpa-plugins")
 endif()
 set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA
     ${PACOTE_DIR}/postinst ${PACOTE_DIR}/postrm)

@@ -11,6 +11,7 @@ PACOTES=(
   qt6-base-dev
   clang libclang-rt-14-dev
   xvfb xauth trayer
+  systemd adduser util-linux
 )
 
 faltando=()

@@ -102,13 +102,71 @@ ajuda_aponta_documentacao() {
   lumavox-cli --help | grep -q '/usr/share/doc/lumavox/' && lumavox-cli run --help | grep -q 'rules.md'
 }
 
+# The unit's rating by systemd's own offline analysis: at most 1.5.
+servico_exposicao() {
+  local unidade="$raiz/pkg/usr/lib/systemd/system/lumavox@.service" nota
+  nota=$(systemd-analyze security --offline=yes "$unidade" 2>&1 | sed -n 's/.*Overall exposure level for [^:]*: \([0-9.]*\).*/\1/p')
+  [ -n "$nota" ] || { echo "systemd-analyze não deu nota"; return 1; }
+  echo "lumavox@.service: exposição $nota"
+  awk -v n="$nota" 'BEGIN { exit !(n <= 1.5) }' || { echo "exposição $nota acima de 1.5"; return 1; }
+}
+
+# The package's postinst makes the service's system user, and running it again changes nothing.
+usuario_do_pacote() {
+  dpkg-deb -e "$deb" "$raiz/controle"
+  sh "$raiz/controle/postinst" configure && sh "$raiz/controle/postinst" configure || return 1
+  local entrada
+  entrada=$(getent passwd lumavox) || { echo "sem o usuário lumavox"; return 1; }
+  [ "$(cut -d: -f3 <<<"$entrada")" -lt 1000 ] || { echo "lumavox não é usuário de sistema: $entrada"; return 1; }
+  grep -q 'nologin\|/bin/false' <<<"$(cut -d: -f7 <<<"$entrada")" || { echo "lumavox pode entrar: $entrada"; return 1; }
+}
+
+# sandbox USER WRITABLE COMMAND...: becomes COMMAND as USER, in a mount namespace where every
+# file system is read-only but WRITABLE, without network: what the unit's sandbox gives the engine.
+sandbox() {
+  local usuario=$1 gravavel=$2
+  shift 2
+  # exec: the caller's process becomes the command, so its signals reach the engine.
+  exec unshare --mount --net --propagation private -- bash -c '
+    usuario=$1 gravavel=$2; shift 2
+    mount --bind "$gravavel" "$gravavel"
+    findmnt -rn -o TARGET | sort -r | while read -r m; do
+      [ "$m" = "$gravavel" ] || mount -o remount,bind,ro "$m" 2>/dev/null || true
+    done
+    exec setpriv --reuid="$usuario" --regid="$usuario" --clear-groups --no-new-privs -- "$@"
+  ' sandbox "$usuario" "$gravavel" "$@"
+}
+
 servico() {
-  local unidade="$raiz/pkg/usr/lib/systemd/system/lumavox@.service" linha cmd
+  local unidade="$raiz/pkg/usr/lib/systemd/system/lumavox@.service" linha cmd usuario
   grep -qx 'Restart=on-failure' "$unidade" || { echo "a unidade não reinicia em falha"; return 1; }
+  usuario=$(sed -n 's/^User=//p' "$unidade")
+  [ -n "$usuario" ] && [ "$usuario" != root ] || { echo "a unidade roda como root"; return 1; }
+  grep -qx 'ReadWritePaths=%f' "$unidade" || { echo "a unidade não se limita à pasta da estação"; return 1; }
   linha=$(sed -n 's/^ExecStart=//p' "$unidade")
-  # %f is the instance unescaped as a path; this folder has no blanks.
-  read -r -a cmd <<<"${linha//%f/$estacao}"
-  parar_com_sigterm servico "${cmd[@]}"
+  # %f is the instance unescaped as a path; this folder has no blanks. The program is the
+  # unpacked package's.
+  linha=${linha//%f/$estacao}
+  read -r -a cmd <<<"${linha//\/usr\/bin\//$raiz/pkg/usr/bin/}"
+  if ! unshare --mount true 2>/dev/null || ! getent passwd "$usuario" >/dev/null; then
+    echo "(sem namespaces ou sem $usuario: o serviço roda sem a sandbox)"
+    parar_com_sigterm servico "${cmd[@]}"
+    return
+  fi
+  # The station hands its folder to the service's user; the rest of the machine is read-only.
+  chmod 755 "$raiz" "$raiz/pkg"
+  chown -R "$usuario:$usuario" "$estacao"
+  (sandbox "$usuario" "$estacao" sh -c 'touch "$1/.gravavel" && ! touch /tmp/.lumavox-fora 2>/dev/null &&
+    ! touch "$2/.fora" 2>/dev/null' sh "$estacao" "$raiz") || { echo "a sandbox de teste não isola"; return 1; }
+  rm -f "$estacao/.gravavel"
+  parar_com_sigterm servico sandbox "$usuario" "$estacao" "${cmd[@]}" || return 1
+  # What it handed over belongs to it and is whole.
+  local lre
+  for lre in "$estacao"/list/*.lre; do
+    [ "$(stat -c %U "$lre")" = "$usuario" ] || { echo "$lre não é de $usuario"; return 1; }
+    grep -qx "$((10#$(basename "$lre" | cut -d_ -f2)))" "$lre" || { echo "$lre quebrada"; return 1; }
+  done
+  chown -R root:root "$estacao"
 }
 
 entrada_da_janela() {
@@ -131,6 +189,8 @@ checar "arquivos do pacote" lista_completa
 checar "nada fora do lugar" nada_fora_do_lugar
 checar "dependências declaradas" dependencias_declaradas
 checar "ajuda aponta a documentação" ajuda_aponta_documentacao
+checar "exposição de lumavox@.service" servico_exposicao
+checar "usuário do serviço" usuario_do_pacote
 checar "lumavox@.service" servico
 [ $janela = 0 ] || checar "lumavox.desktop" entrada_da_janela
 [ -z "${LUMAVOX_CLEAN_ROOT:-}" ] || checar "instalação numa raiz limpa" raiz_limpa
