@@ -13,21 +13,19 @@
 namespace lumavox {
 namespace {
 
-// The positions of a code's plays, newest first, as the index chains them.
-std::vector<long> TocadasDoCodigo(const Estado& e, int32_t codigo) {
+// The positions of one chain of the index from its first, newest first.
+std::vector<long> Cadeia(const IndiceHistorico& indice, long p, long (IndiceHistorico::*seguinte)(long) const) {
   std::vector<long> posicoes;
-  const IndiceHistorico& indice = e.IndiceDoHistorico();
-  for (long p = indice.PrimeiraDoCodigo(codigo); p != IndiceHistorico::kFim; p = indice.SeguinteDoCodigo(p))
-    posicoes.push_back(p);
+  for (; p != IndiceHistorico::kFim; p = (indice.*seguinte)(p)) posicoes.push_back(p);
   return posicoes;
 }
-
+std::vector<long> TocadasDoCodigo(const Estado& e, int32_t codigo) {
+  const IndiceHistorico& i = e.IndiceDoHistorico();
+  return Cadeia(i, i.PrimeiraDoCodigo(codigo), &IndiceHistorico::SeguinteDoCodigo);
+}
 std::vector<long> TocadasDoSlot(const Estado& e, long slot) {
-  std::vector<long> posicoes;
-  const IndiceHistorico& indice = e.IndiceDoHistorico();
-  for (long p = indice.PrimeiraDoSlot(slot); p != IndiceHistorico::kFim; p = indice.SeguinteDoSlot(p))
-    posicoes.push_back(p);
-  return posicoes;
+  const IndiceHistorico& i = e.IndiceDoHistorico();
+  return Cadeia(i, i.PrimeiraDoSlot(slot), &IndiceHistorico::SeguinteDoSlot);
 }
 
 void Codigos(Estado& e, std::initializer_list<int32_t> codigos) {
