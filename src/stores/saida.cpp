@@ -5,6 +5,7 @@
 #include "base/arquivos.h"
 #include "base/erro.h"
 #include "base/numeros.h"
+#include "stores/fila.h"
 
 namespace lumavox {
 
@@ -29,7 +30,7 @@ bool GerarArquivoSaida(SistemaArquivos& arquivos, const fs::path& origem, int64_
     if (erro && e.Codigo() != CodigoErro::ArquivoNaoEncontrado) *erro = e.what();
     return false;
   }
-  for (char& b : bytes) b = static_cast<char>(255 - static_cast<unsigned char>(b));
+  ComplementarBytes(bytes);
   try {
     EscreverInteiro(arquivos, pasta / "temp" / NomeArquivoTemp(contador), bytes);
     return true;
