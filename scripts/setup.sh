@@ -12,6 +12,7 @@ PACOTES=(
   clang libclang-rt-14-dev
   xvfb xauth trayer
   systemd adduser util-linux
+  liquidsoap icecast2 ffmpeg espeak-ng curl sqlite3
 )
 
 faltando=()

@@ -120,7 +120,7 @@ std::optional<Tomada> TomarProxima(const fs::path& pastaApp, DataHora agora) {
 }
 
 std::string AnotacaoLiquidsoap(const Tomada& t) {
-  return "annotate:lumavox_codigo=" + Aspas(std::to_string(t.entrada.codigo)) +
+  return "annotate:lumavox_entrada=" + Aspas(t.entrada.radical) + ",lumavox_codigo=" + Aspas(std::to_string(t.entrada.codigo)) +
          ",lumavox_nivel=" + Aspas(std::to_string(t.entrada.nivel)) + ",lumavox_artista=" + Aspas(ParaUtf8(t.artista)) +
          ",lumavox_titulo=" + Aspas(ParaUtf8(t.titulo)) + ":" + t.audio.string();
 }

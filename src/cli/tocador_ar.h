@@ -33,7 +33,7 @@ struct Tomada {
 std::optional<Tomada> TomarProxima(const fs::path& pastaApp, DataHora agora);
 
 // The request the Liquidsoap script plays: the decoded file with the collection's artist and
-// title and the entry's code and level as metadata.
+// title and the entry's counter, code and level as metadata.
 std::string AnotacaoLiquidsoap(const Tomada& t);
 
 // A song started on air: its play goes into the log database at `momento`, the click count
