@@ -103,16 +103,16 @@ void ExecutarAr(Contexto& ctx, const OpcoesAr& op) {
   if (fs::exists(pasta / kArquivoLogsMdb, ec) && !fs::exists(pasta / kArquivoLogsSqlite, ec))
     return falhar("as tocadas desta estação estão em lumavox.mdb, onde o tocador não escreve; converta uma vez com "
                   "lumavox-cli banco converter --dir " + pasta.string(), 1);
-  const char* nomeLiquidsoap = std::getenv("LUMAVOX_LIQUIDSOAP");
-  const auto liquidsoap = ProcurarNoPath(nomeLiquidsoap ? nomeLiquidsoap : "liquidsoap");
-  if (!liquidsoap) return falhar("liquidsoap não encontrado; instale o pacote liquidsoap", 1);
-  const auto script = ScriptDoTocador();
-  if (!script) return falhar("lumavox-ar.liq não encontrado junto do lumavox-cli nem em /usr/share/lumavox", 1);
   if (destino) {
     const std::string causa = ProvarConexao(destino->host, destino->porta, kEsperaIcecastMs);
     if (!causa.empty())
       return falhar("o Icecast em " + destino->host + ":" + std::to_string(destino->porta) + " não responde: " + causa, 1);
   }
+  const char* nomeLiquidsoap = std::getenv("LUMAVOX_LIQUIDSOAP");
+  const auto liquidsoap = ProcurarNoPath(nomeLiquidsoap ? nomeLiquidsoap : "liquidsoap");
+  if (!liquidsoap) return falhar("liquidsoap não encontrado; instale o pacote liquidsoap", 1);
+  const auto script = ScriptDoTocador();
+  if (!script) return falhar("lumavox-ar.liq não encontrado junto do lumavox-cli nem em /usr/share/lumavox", 1);
 
   LimparPastaDoTocador(pasta);
   ::setenv("LUMAVOX_AR_DIR", pasta.c_str(), 1);

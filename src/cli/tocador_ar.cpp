@@ -111,6 +111,8 @@ std::optional<Tomada> TomarProxima(const fs::path& pastaApp, DataHora agora) {
       ApagarArquivo(arquivos, entrada.arquivo);
       ApagarArquivo(arquivos, midia);
       std::tie(t.artista, t.titulo) = ArtistaETitulo(pastaApp, entrada.codigo, agora);
+      // A song no collection names still gets a title a listener can report.
+      if (t.artista.empty() && t.titulo.empty()) t.titulo = DeUtf8(std::to_string(entrada.codigo));
       return t;
     }
     // An entry whose media is gone cannot be played: it leaves the queue so the engine refills it.

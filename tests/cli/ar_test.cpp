@@ -1,0 +1,188 @@
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cstdlib>
+
+#include "apoio/estacao.h"
+#include "apoio/linha_comando.h"
+#include "base/sistema_arquivos.h"
+#include "cli/icecast.h"
+#include "cli/tocador_ar.h"
+#include "stores/acervo.h"
+#include "stores/historico_banco.h"
+#include "stores/saida.h"
+
+namespace lumavox::cli {
+namespace {
+
+using teste::EstacaoTeste;
+using teste::RodarCli;
+
+const DataHora kAgora = MontarDataHora(2026, 11, 23, 10, 0, 0);
+
+// A station whose engine has queued songs: the media written by the engine's own hand-over.
+class FilaNoAr : public ::testing::Test {
+ protected:
+  FilaNoAr() {
+    e.Musica(1001, {{"Artista", "Ana"}, {"Title", "Diz \"não\""}}).Musica(1002, {{"Artista", "Bia"}, {"Title", "Lá"}});
+    e.GravarAcervo();
+    fs::create_directories(e.Caminho("list"));
+    fs::create_directories(e.Caminho("temp"));
+  }
+  void Enfileirar(int64_t contador, int32_t codigo, const std::string& audio, int nivel = 50) {
+    e.GravarTexto("fonte.mre", audio);
+    ASSERT_TRUE(GerarArquivoSaida(ArquivosReais(), e.Caminho("fonte.mre"), contador, e.Pasta()));
+    ASSERT_TRUE(EscreverFila(ArquivosReais(), e.Pasta(), NomeArquivoFila(contador, codigo, nivel), codigo));
+  }
+  EstacaoTeste e;
+};
+
+TEST_F(FilaNoAr, TomaAMaisAntigaPeloContadorEDevolveOsBytesDaMusica) {
+  const std::string ogg("OggS\0\x02\xff\x80 vorbis", 16);
+  Enfileirar(1000000, 1002, "ID3 segunda");
+  Enfileirar(9, 1001, ogg);
+  // An entry whose media is gone is dropped on the way; a stray file is left alone.
+  ASSERT_TRUE(EscreverFila(ArquivosReais(), e.Pasta(), NomeArquivoFila(5, 1002, 50), 1002));
+  e.GravarTexto("list/leia-me.lre", "x");
+
+  auto t = TomarProxima(e.Pasta(), kAgora);
+  ASSERT_TRUE(t);
+  EXPECT_EQ(t->entrada.contador, 9);
+  EXPECT_EQ(t->audio.extension(), ".ogg");
+  EXPECT_EQ(e.Ler(fs::relative(t->audio, e.Pasta()).string()), ogg);
+  EXPECT_FALSE(e.Existe("list/000005_0001002_050.lre"));
+  EXPECT_FALSE(e.Existe("list/000009_0001001_050.lre"));
+  EXPECT_FALSE(e.Existe("temp/000009.mrt"));
+  EXPECT_TRUE(e.Existe("list/leia-me.lre"));
+  // The collection's artist and title, quoted for Liquidsoap.
+  EXPECT_EQ(AnotacaoLiquidsoap(*t), "annotate:lumavox_entrada=\"000009\",lumavox_codigo=\"1001\",lumavox_nivel=\"50\","
+                                    "lumavox_artista=\"Ana\",lumavox_titulo=\"Diz \\\"não\\\"\":" + t->audio.string());
+
+  t = TomarProxima(e.Pasta(), kAgora);
+  ASSERT_TRUE(t);
+  EXPECT_EQ(t->entrada.contador, 1000000);
+  EXPECT_EQ(t->audio.extension(), ".mp3");
+  EXPECT_EQ(ParaUtf8(t->titulo), "Lá");
+  EXPECT_FALSE(TomarProxima(e.Pasta(), kAgora));
+}
+
+TEST_F(FilaNoAr, UmCliqueQueOMotorNaoLeuSeguraAFila) {
+  Enfileirar(1, 1001, "OggS");
+  e.GravarTexto("avancar.rer", "1\n");
+  EXPECT_FALSE(TomarProxima(e.Pasta(), kAgora));
+  EXPECT_TRUE(e.Existe("list/000001_0001001_050.lre"));
+  // One left by a player that ran without an engine does not hold it for ever.
+  fs::last_write_time(e.Caminho("avancar.rer"), fs::file_time_type::clock::now() - std::chrono::seconds(11));
+  EXPECT_TRUE(TomarProxima(e.Pasta(), kAgora));
+}
+
+TEST_F(FilaNoAr, ATocadaEntraNoBancoComoOMotorOLeEOsAudiosAnterioresSaem) {
+  Enfileirar(1, 1001, "OggS 1");
+  Enfileirar(2, 1002, "OggS 2");
+  const auto primeira = TomarProxima(e.Pasta(), kAgora);
+  const auto segunda = TomarProxima(e.Pasta(), kAgora);
+  ASSERT_TRUE(primeira && segunda);
+  fs::last_write_time(primeira->audio, fs::last_write_time(segunda->audio) - std::chrono::seconds(5));
+
+  RegistrarNoAr(e.Pasta(), 1001, primeira->audio, kAgora);
+  EXPECT_TRUE(fs::exists(primeira->audio) && fs::exists(segunda->audio));
+  RegistrarNoAr(e.Pasta(), 1002, segunda->audio, SomarSegundos(kAgora, 200));
+  EXPECT_FALSE(fs::exists(primeira->audio));
+  EXPECT_TRUE(fs::exists(segunda->audio));
+
+  auto acervo = std::make_unique<Acervo>();
+  acervo->AcervoCodigos[0] = 1001;
+  acervo->AcervoCodigos[1] = 1002;
+  acervo->TotalMusicas = 2;
+  auto h = std::make_unique<Historico>();
+  OrigemHistoricoBanco(e.Pasta()).CarregarMusicasTocadas(*h, *acervo);
+  EXPECT_EQ(h->HistoricoCodigos[-1], 1002);
+  EXPECT_EQ(h->HistoricoDatas[-1], SomarSegundos(kAgora, 200));
+  EXPECT_EQ(h->HistoricoCodigos[-2], 1001);
+  EXPECT_EQ(h->HistoricoDatas[-2], kAgora);
+}
+
+// The click count is the number of songs in a row the operator cut short.
+TEST_F(FilaNoAr, CliquesSeguidosContamAteUmaMusicaTocarAteOFim) {
+  const std::string dir = e.Pasta().string();
+  auto clicar = [&] { return RodarCli({"avancar", "--dir", dir}).saida; };
+  auto comecou = [&] { RegistrarNoAr(e.Pasta(), 1001, e.Caminho("nada.ogg"), kAgora); };
+
+  Enfileirar(1, 1001, "OggS");
+  Enfileirar(2, 1002, "OggS");
+  EXPECT_EQ(clicar(), "clique 1\n");
+  EXPECT_EQ(e.Ler("avancar.rer"), "1\n");
+  EXPECT_TRUE(e.Existe("temp/tocador/pular"));
+  // The queued choices are void: entries and media go, so the engine reads the click at once.
+  EXPECT_TRUE(ListarFila(ArquivosReais(), e.Pasta()).empty());
+  EXPECT_FALSE(e.Existe("temp/000001.mrt") || e.Existe("temp/000002.mrt"));
+
+  comecou();  // the song the skip brought
+  EXPECT_EQ(clicar(), "clique 2\n");
+  comecou();
+  comecou();  // this one came after a song that played to its end
+  EXPECT_EQ(clicar(), "clique 1\n");
+}
+
+TEST(ControlesAr, NivelERecusasDoAr) {
+  EstacaoTeste e;
+  const std::string dir = e.Pasta().string();
+  EXPECT_EQ(RodarCli({"nivel", "--dir", dir, "70"}).codigo, 0);
+  EXPECT_EQ(e.Ler("ritmo.rer"), "70\n");
+  EXPECT_EQ(RodarCli({"nivel", "--dir", dir, "101"}).codigo, 2);
+  EXPECT_EQ(e.Ler("ritmo.rer"), "70\n");
+
+  auto umaLinha = [](const teste::ResultadoCli& r, int codigo, const std::string& trecho) {
+    EXPECT_EQ(r.codigo, codigo) << r.erros;
+    EXPECT_NE(r.erros.find(trecho), std::string::npos) << r.erros;
+    EXPECT_EQ(r.erros.find('\n'), r.erros.size() - 1) << r.erros;
+  };
+  umaLinha(RodarCli({"ar", "--dir", dir, "--icecast", "http://x:1/a"}), 2, "icecast://");
+  umaLinha(RodarCli({"ar", "--dir", dir, "--icecast", "icecast://source@127.0.0.1:8000/a"}), 2, "senha");
+
+  // A port nobody listens on: taken from the system, then released.
+  const int s = ::socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in a{};
+  a.sin_family = AF_INET;
+  a.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  socklen_t tamanho = sizeof a;
+  ASSERT_EQ(::bind(s, reinterpret_cast<sockaddr*>(&a), sizeof a), 0);
+  ::getsockname(s, reinterpret_cast<sockaddr*>(&a), &tamanho);
+  ::close(s);
+  const std::string porta = std::to_string(ntohs(a.sin_port));
+  umaLinha(RodarCli({"ar", "--dir", dir, "--icecast", "icecast://source:x@127.0.0.1:" + porta + "/a.ogg"}), 1,
+           "não responde");
+
+  ::setenv("LUMAVOX_LIQUIDSOAP", "/nao/existe/liquidsoap", 1);
+  umaLinha(RodarCli({"ar", "--dir", dir}), 1, "liquidsoap não encontrado");
+  ::unsetenv("LUMAVOX_LIQUIDSOAP");
+
+  e.GravarTexto("lumavox.mdb", "Standard Jet DB");
+  umaLinha(RodarCli({"ar", "--dir", dir}), 1, "banco converter");
+  EXPECT_FALSE(e.Existe("temp/tocador"));
+}
+
+TEST(UrlIcecast, PartesEPadroes) {
+  std::string erro;
+  auto d = LerUrlIcecast("icecast://:p%40ss:w@radio.local/ao-vivo.ogg", erro);
+  ASSERT_TRUE(d) << erro;
+  EXPECT_EQ(d->usuario, "source");
+  EXPECT_EQ(d->senha, "p@ss:w");
+  EXPECT_EQ(d->host, "radio.local");
+  EXPECT_EQ(d->porta, 8000);
+  EXPECT_EQ(d->ponto, "ao-vivo.ogg");
+  d = LerUrlIcecast("icecast://fonte:x@[::1]:9000/a/b.mp3", erro);
+  ASSERT_TRUE(d) << erro;
+  EXPECT_EQ(d->usuario, "fonte");
+  EXPECT_EQ(d->host, "::1");
+  EXPECT_EQ(d->UrlOuvinte(), "http://[::1]:9000/a/b.mp3");
+  for (const char* ruim : {"icecast://source:x@host:8000/", "icecast://source:x@host:0/a", "icecast://source:x@host:80a/a",
+                           "icecast://source:x@:8000/a", "icecast://host:8000/a", "icecast://source:%4@host/a",
+                           "icecast://source:x@[::1/a"})
+    EXPECT_FALSE(LerUrlIcecast(ruim, erro)) << ruim;
+}
+
+}  // namespace
+}  // namespace lumavox::cli
