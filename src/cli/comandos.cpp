@@ -40,6 +40,7 @@ int Executar(std::vector<std::string> argumentos, std::ostream& saida, std::ostr
   RegistrarRegras(app, ctx);
   RegistrarImportar(app, ctx);
   RegistrarSimular(app, ctx);
+  RegistrarBanco(app, ctx);
 
   // CLI11 reads the arguments from the back.
   std::reverse(argumentos.begin(), argumentos.end());

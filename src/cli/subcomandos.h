@@ -34,5 +34,6 @@ void RegistrarTocar(CLI::App& app, Contexto& ctx);
 void RegistrarRegras(CLI::App& app, Contexto& ctx);
 void RegistrarImportar(CLI::App& app, Contexto& ctx);
 void RegistrarSimular(CLI::App& app, Contexto& ctx);
+void RegistrarBanco(CLI::App& app, Contexto& ctx);
 
 }  // namespace lumavox::cli
