@@ -41,6 +41,7 @@ int Executar(std::vector<std::string> argumentos, std::ostream& saida, std::ostr
   RegistrarImportar(app, ctx);
   RegistrarSimular(app, ctx);
   RegistrarAr(app, ctx);
+  RegistrarBanco(app, ctx);
 
   // CLI11 reads the arguments from the back.
   std::reverse(argumentos.begin(), argumentos.end());

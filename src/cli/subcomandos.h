@@ -35,5 +35,6 @@ void RegistrarRegras(CLI::App& app, Contexto& ctx);
 void RegistrarImportar(CLI::App& app, Contexto& ctx);
 void RegistrarSimular(CLI::App& app, Contexto& ctx);
 void RegistrarAr(CLI::App& app, Contexto& ctx);
+void RegistrarBanco(CLI::App& app, Contexto& ctx);
 
 }  // namespace lumavox::cli

@@ -2,6 +2,7 @@
 
 #include <sqlite3.h>
 
+#include <cmath>
 #include <string>
 
 #include "base/erro.h"
@@ -22,6 +23,42 @@ constexpr int kEsperaEscritaMs = 2000;
 [[noreturn]] void ErroBanco(sqlite3* db, const std::string& acao) {
   throw ErroExecucao(CodigoErro::ErroDeEntradaSaida,
                      acao + ": " + (db ? sqlite3_errmsg(db) : "out of memory"));
+}
+
+// One value as the log keeps it: whole numbers as the integers the player writes, dates as the
+// text the reader parses.
+void Vincular(sqlite3_stmt* st, int coluna, const ValorBanco& valor) {
+  std::string texto;
+  if (const double* n = std::get_if<double>(&valor)) {
+    if (std::trunc(*n) == *n && std::fabs(*n) < 9e18) {
+      sqlite3_bind_int64(st, coluna, static_cast<sqlite3_int64>(*n));
+    } else {
+      sqlite3_bind_double(st, coluna, *n);
+    }
+    return;
+  }
+  if (const DataHora* d = std::get_if<DataHora>(&valor)) {
+    texto = FormatarIso(*d);
+  } else if (const Texto* t = std::get_if<Texto>(&valor)) {
+    texto = ParaUtf8(*t);
+  } else {
+    sqlite3_bind_null(st, coluna);
+    return;
+  }
+  sqlite3_bind_text(st, coluna, texto.c_str(), static_cast<int>(texto.size()), SQLITE_TRANSIENT);
+}
+
+// The one number `sql` gives.
+int64_t Escalar(sqlite3* db, const char* sql) {
+  sqlite3_stmt* st = nullptr;
+  if (sqlite3_prepare_v2(db, sql, -1, &st, nullptr) != SQLITE_OK ||
+      sqlite3_step(st) != SQLITE_ROW) {
+    sqlite3_finalize(st);
+    ErroBanco(db, "reading the log database");
+  }
+  const int64_t n = sqlite3_column_int64(st, 0);
+  sqlite3_finalize(st);
+  return n;
 }
 
 }  // namespace
@@ -82,6 +119,64 @@ void BancoLogs::Registrar(const std::vector<RegistroLog>& registros) {
   sqlite3_finalize(st);
 }
 
+void BancoLogs::Preencher(const std::vector<LinhaBanco>& linhas,
+                          const std::function<void()>& conferir) {
+  sqlite3_stmt* st = nullptr;
+  if (sqlite3_prepare_v2(db_, "INSERT INTO Logs (Codigo, Musica, Data, Tipo) VALUES (?, ?, ?, ?)",
+                         -1, &st, nullptr) != SQLITE_OK)
+    ErroBanco(db_, "writing the log database");
+  try {
+    Executar("BEGIN IMMEDIATE");
+    // Counted inside the transaction, so an entry the player adds meanwhile is not mixed in.
+    if (Escalar(db_, "SELECT count(*) FROM Logs") > 0)
+      throw ErroExecucao(CodigoErro::ChamadaInvalida, "the log database already holds entries");
+    for (size_t i = 0; i < linhas.size(); ++i) {
+      const LinhaBanco& linha = linhas[i];
+      const std::string onde = "row " + std::to_string(i + 1) + " of the log";
+      // SQLite would number a Null Codigo itself, and refuses a fraction: either would change
+      // the order of the plays.
+      const double* codigo = linha.size() == 4 ? std::get_if<double>(&linha[0]) : nullptr;
+      if (!codigo || std::trunc(*codigo) != *codigo)
+        throw ErroExecucao(CodigoErro::TiposIncompativeis, onde + ": Codigo is not a whole number");
+      for (int c = 0; c < 4; ++c) Vincular(st, c + 1, linha[static_cast<size_t>(c)]);
+      if (sqlite3_step(st) != SQLITE_DONE) ErroBanco(db_, "writing " + onde);
+      sqlite3_reset(st);
+    }
+    if (conferir) conferir();
+    Executar("COMMIT");
+  } catch (...) {
+    sqlite3_exec(db_, "ROLLBACK", nullptr, nullptr, nullptr);
+    sqlite3_finalize(st);
+    throw;
+  }
+  sqlite3_finalize(st);
+}
+
 void CriarBancoLogs(const fs::path& arquivo) { BancoLogs banco(arquivo); }
+
+int64_t ContarRegistrosLogs(const fs::path& arquivo) {
+  const std::string caminho = arquivo.string();
+  sqlite3* db = nullptr;
+  // Read-write though it only reads: as the last connection to close it takes away the -wal
+  // and -shm files that opening a database in write-ahead mode makes, which a read-only one
+  // would leave behind.
+  if (sqlite3_open_v2(caminho.c_str(), &db, SQLITE_OPEN_READWRITE, nullptr) != SQLITE_OK) {
+    const std::string causa =
+        "opening " + caminho + ": " + (db ? sqlite3_errmsg(db) : "out of memory");
+    sqlite3_close(db);
+    throw ErroExecucao(CodigoErro::ErroDeEntradaSaida, causa);
+  }
+  sqlite3_busy_timeout(db, kEsperaEscritaMs);
+  try {
+    const char* temLogs =
+        "SELECT count(*) FROM sqlite_master WHERE type = 'table' AND name = 'Logs'";
+    const int64_t n = Escalar(db, temLogs) > 0 ? Escalar(db, "SELECT count(*) FROM Logs") : 0;
+    sqlite3_close(db);
+    return n;
+  } catch (...) {
+    sqlite3_close(db);
+    throw;
+  }
+}
 
 }  // namespace lumavox

@@ -4,9 +4,11 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <vector>
 
 #include "base/datas.h"
+#include "stores/historico_fonte.h"
 
 struct sqlite3;
 
@@ -33,6 +35,12 @@ class BancoLogs {
   void Registrar(const RegistroLog& registro);
   // Appends all the entries in one transaction: all or none.
   void Registrar(const std::vector<RegistroLog>& registros);
+  // Fills an empty Logs with rows given whole as (Codigo, Musica, Data, Tipo), each keeping its
+  // Codigo: Null stays Null, whole numbers are integers, other numbers reals, dates FormatarIso
+  // text, texts text. All in one transaction, which `conferir` sees before it is committed and
+  // may raise to keep none of it. Raises ErroExecucao, keeping nothing, when Logs already holds
+  // an entry, or a Codigo is not a whole number or repeats.
+  void Preencher(const std::vector<LinhaBanco>& linhas, const std::function<void()>& conferir = {});
 
   sqlite3* Conexao() { return db_; }
 
@@ -43,5 +51,9 @@ class BancoLogs {
 
 // Creates the log database with its table Logs and view VIEWLogs; an existing one is kept.
 void CriarBancoLogs(const fs::path& arquivo);
+
+// The entries in Logs of an existing log database, 0 when it has no such table. The file is
+// left byte for byte as it was. Raises ErroExecucao when it is missing or not a database.
+int64_t ContarRegistrosLogs(const fs::path& arquivo);
 
 }  // namespace lumavox

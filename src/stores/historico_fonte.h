@@ -6,6 +6,7 @@
 #include <array>
 #include <memory>
 #include <variant>
+#include <vector>
 
 #include "base/datas.h"
 #include "base/texto.h"
@@ -17,6 +18,8 @@ namespace lumavox {
 // One value read from the database: Null, a number, a text or a date-time.
 using ValorBanco = std::variant<std::monostate, double, Texto, DataHora>;
 using LinhaLogs = std::array<ValorBanco, 3>;
+// A whole row of a table, its columns in the order they were asked for.
+using LinhaBanco = std::vector<ValorBanco>;
 
 // The three queries of a load. Each names the columns its rows carry, in order.
 enum class ConsultaLogs {

@@ -22,8 +22,6 @@ inline constexpr const char* kArquivoLogsMdb = "lumavox.mdb";
 //   Provider=Microsoft.Jet.OLEDB.4.0;Data Source= <folder>\lumavox.mdb;Jet OLEDB:Database Password=qmv73140862;
 // and an empty user name. libmdb reads the pages without the password.
 
-using LinhaBanco = std::vector<ValorBanco>;
-
 // Every row of `tabela`, with the named columns in the order asked (names compare ignoring
 // case). Null values read as Null; Long, Integer, Byte, Single, Double, Currency and Decimal as
 // numbers; DateTime as a date-time; Text and Memo as text; anything else as Null. Raises

@@ -77,17 +77,21 @@ void FonteLogsSqlite::Abrir() {
   }
 }
 
-std::unique_ptr<CursorLogs> FonteLogsSqlite::Consultar(ConsultaLogs consulta) {
-  if (!db_) throw ErroExecucao(CodigoErro::ChamadaInvalida, "log database not open");
+std::unique_ptr<CursorLogs> ConsultarLogsSqlite(sqlite3* db, ConsultaLogs consulta) {
   const char* sql = consulta == ConsultaLogs::Tocadas ? kSqlTocadas
                     : consulta == ConsultaLogs::Tipo4 ? kSqlTipo4
                                                       : kSqlTipo5;
   sqlite3_stmt* st = nullptr;
-  if (sqlite3_prepare_v2(db_, sql, -1, &st, nullptr) != SQLITE_OK) {
+  if (sqlite3_prepare_v2(db, sql, -1, &st, nullptr) != SQLITE_OK) {
     sqlite3_finalize(st);
-    ErroBanco(db_, "querying the log database");
+    ErroBanco(db, "querying the log database");
   }
-  return std::make_unique<CursorSqlite>(db_, st);
+  return std::make_unique<CursorSqlite>(db, st);
+}
+
+std::unique_ptr<CursorLogs> FonteLogsSqlite::Consultar(ConsultaLogs consulta) {
+  if (!db_) throw ErroExecucao(CodigoErro::ChamadaInvalida, "log database not open");
+  return ConsultarLogsSqlite(db_, consulta);
 }
 
 }  // namespace lumavox

@@ -26,6 +26,10 @@ inline constexpr const char* kSqlTipo4 =
 inline constexpr const char* kSqlTipo5 =
     "SELECT Tipo, Musica, Data FROM Logs WHERE Tipo = 5 ORDER BY Musica, Data DESC";
 
+// One of the three queries on an open connection, read as FonteLogsSqlite reads it. Raises
+// ErroExecucao when it cannot run.
+std::unique_ptr<CursorLogs> ConsultarLogsSqlite(sqlite3* db, ConsultaLogs consulta);
+
 class FonteLogsSqlite : public FonteLogs {
  public:
   explicit FonteLogsSqlite(fs::path arquivo);
