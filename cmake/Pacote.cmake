@@ -1,7 +1,8 @@
 # Installation (cmake --install) and the Debian package (cpack -G DEB):
 #   bin/lumavox, bin/lumavox-cli
 #   share/applications/lumavox.desktop, share/icons/hicolor/{scalable,48x48}/apps/lumavox.{svg,png}
-#   lib/systemd/system/lumavox@.service
+#   lib/systemd/system/lumavox@.service, lumavox-ar@.service
+#   share/lumavox/lumavox.liq, lumavox-ar.liq (the player's Liquidsoap scripts)
 #   share/doc/lumavox/: README.md and docs/ (with the example records)
 include(GNUInstallDirs)
 
@@ -18,7 +19,8 @@ if(TARGET lumavox)
   install(FILES ${PACOTE_DIR}/lumavox-48.png DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/48x48/apps
           RENAME lumavox.png)
 endif()
-install(FILES ${PACOTE_DIR}/lumavox@.service DESTINATION lib/systemd/system)
+install(FILES ${PACOTE_DIR}/lumavox@.service ${PACOTE_DIR}/lumavox-ar@.service DESTINATION lib/systemd/system)
+install(FILES ${PACOTE_DIR}/lumavox.liq ${PACOTE_DIR}/lumavox-ar.liq DESTINATION ${CMAKE_INSTALL_DATADIR}/lumavox)
 install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}
         FILES_MATCHING PATTERN "*.md" PATTERN "*.png" PATTERN "*.rdb")
@@ -32,7 +34,8 @@ string(CONCAT CPACK_PACKAGE_DESCRIPTION
     "Chooses the next song from the station's collection through the station's scheduling rules "
     "and hands it to the player through files in the station folder. lumavox is the engine with "
     "its window, lumavox-cli the engine and its station tools without one; lumavox@.service keeps "
-    "the engine running for a station folder.")
+    "the engine running for a station folder, and lumavox-ar@.service plays its queue to Icecast "
+    "through Liquidsoap.")
 set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/pacote)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -46,6 +49,9 @@ set(CPACK_DEBIAN_PACKAGE_DEPENDS "adduser")
 if(TARGET lumavox)
   set(CPACK_DEBIAN_PACKAGE_DEPENDS "adduser, qt6-qpa-plugins")
 endif()
+# The player on air (lumavox-cli ar, lumavox-ar@.service) runs Liquidsoap; the engine alone does not.
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "liquidsoap")
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "icecast2")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA
     ${PACOTE_DIR}/postinst ${PACOTE_DIR}/postrm)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)

@@ -35,6 +35,8 @@ declarados=" $(sed -E 's/\([^)]*\)//g; s/[,|]/ /g' <<<"$depends" | xargs) "
 
 lista_completa() {
   local esperados=(./usr/bin/lumavox-cli ./usr/lib/systemd/system/lumavox@.service
+    ./usr/lib/systemd/system/lumavox-ar@.service ./usr/share/lumavox/lumavox.liq
+    ./usr/share/lumavox/lumavox-ar.liq ./usr/share/doc/lumavox/on-air.md
     ./usr/share/doc/lumavox/README.md ./usr/share/doc/lumavox/station.md
     ./usr/share/doc/lumavox/rules.md ./usr/share/doc/lumavox/selection-run.md
     ./usr/share/doc/lumavox/exemplos/musica.rdb ./usr/share/doc/lumavox/exemplos/regra.rdb)
@@ -47,7 +49,7 @@ lista_completa() {
 
 nada_fora_do_lugar() {
   local fora
-  fora=$(grep -vE '^\./usr/(bin/lumavox(-cli)?|lib/systemd/system/lumavox@\.service|share/applications/lumavox\.desktop|share/icons/hicolor/[^/]+/apps/lumavox\.(svg|png)|share/doc/lumavox/.*)$' <<<"$lista" || true)
+  fora=$(grep -vE '^\./usr/(bin/lumavox(-cli)?|lib/systemd/system/lumavox(-ar)?@\.service|share/lumavox/lumavox(-ar)?\.liq|share/applications/lumavox\.desktop|share/icons/hicolor/[^/]+/apps/lumavox\.(svg|png)|share/doc/lumavox/.*)$' <<<"$lista" || true)
   [ -z "$fora" ] || { echo "fora do lugar: $fora"; return 1; }
 }
 
@@ -102,13 +104,34 @@ ajuda_aponta_documentacao() {
   lumavox-cli --help | grep -q '/usr/share/doc/lumavox/' && lumavox-cli run --help | grep -q 'rules.md'
 }
 
-# The unit's rating by systemd's own offline analysis: at most 1.5.
+# Each unit's rating by systemd's own offline analysis: at most 1.5.
 servico_exposicao() {
-  local unidade="$raiz/pkg/usr/lib/systemd/system/lumavox@.service" nota
-  nota=$(systemd-analyze security --offline=yes "$unidade" 2>&1 | sed -n 's/.*Overall exposure level for [^:]*: \([0-9.]*\).*/\1/p')
-  [ -n "$nota" ] || { echo "systemd-analyze não deu nota"; return 1; }
-  echo "lumavox@.service: exposição $nota"
-  awk -v n="$nota" 'BEGIN { exit !(n <= 1.5) }' || { echo "exposição $nota acima de 1.5"; return 1; }
+  local unidade nota ok=0
+  for unidade in "$raiz"/pkg/usr/lib/systemd/system/lumavox*@.service; do
+    nota=$(systemd-analyze security --offline=yes "$unidade" 2>&1 | sed -n 's/.*Overall exposure level for [^:]*: \([0-9.]*\).*/\1/p')
+    [ -n "$nota" ] || { echo "systemd-analyze não deu nota a $(basename "$unidade")"; ok=1; continue; }
+    echo "$(basename "$unidade"): exposição $nota"
+    awk -v n="$nota" 'BEGIN { exit !(n <= 1.5) }' || { echo "exposição $nota acima de 1.5"; ok=1; }
+  done
+  return $ok
+}
+
+# The player's unit runs only the player, as the engine's user, with the mount from a root-only
+# file; the packaged lumavox-cli finds the packaged script, and Liquidsoap accepts it.
+tocador_do_pacote() {
+  local unidade="$raiz/pkg/usr/lib/systemd/system/lumavox-ar@.service" falso="$raiz/liquidsoap-falso"
+  grep -qx 'ExecStart=/usr/bin/lumavox-cli ar --dir %f --sem-motor' "$unidade" || { echo "ExecStart do tocador"; return 1; }
+  grep -qx 'EnvironmentFile=/etc/lumavox/ar/%i.env' "$unidade" || { echo "sem EnvironmentFile"; return 1; }
+  grep -qx 'User=lumavox' "$unidade" || { echo "o tocador não roda como lumavox"; return 1; }
+  printf '#!/bin/sh\necho "$1" > "%s.script"\n' "$falso" >"$falso"
+  chmod +x "$falso"
+  mkdir -p "$raiz/estacao-ar"
+  LUMAVOX_LIQUIDSOAP="$falso" "$raiz/pkg/usr/bin/lumavox-cli" ar --dir "$raiz/estacao-ar" --sem-motor >/dev/null 2>&1 || true
+  [ "$(cat "$falso.script" 2>/dev/null)" = "$raiz/pkg/usr/share/lumavox/lumavox-ar.liq" ] ||
+    { echo "ar não achou o script do pacote: $(cat "$falso.script" 2>/dev/null)"; return 1; }
+  if command -v liquidsoap >/dev/null; then
+    liquidsoap --check "$raiz/pkg/usr/share/lumavox/lumavox-ar.liq" || { echo "liquidsoap recusa o script"; return 1; }
+  fi
 }
 
 # The package's postinst makes the service's system user, and running it again changes nothing.
@@ -189,7 +212,8 @@ checar "arquivos do pacote" lista_completa
 checar "nada fora do lugar" nada_fora_do_lugar
 checar "dependências declaradas" dependencias_declaradas
 checar "ajuda aponta a documentação" ajuda_aponta_documentacao
-checar "exposição de lumavox@.service" servico_exposicao
+checar "exposição das unidades" servico_exposicao
+checar "tocador do pacote" tocador_do_pacote
 checar "usuário do serviço" usuario_do_pacote
 checar "lumavox@.service" servico
 [ $janela = 0 ] || checar "lumavox.desktop" entrada_da_janela

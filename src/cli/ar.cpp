@@ -165,14 +165,16 @@ void ExecutarAr(Contexto& ctx, const OpcoesAr& op) {
           continue;
         }
         if (linha.find("Connection setup was successful") != std::string::npos) conectado = true;
+        // A first connection refused (a wrong password, a mount in use) will not mend itself.
+        if (!conectado && linha.find("Connection failed") != std::string::npos) {
+          falhar("o Icecast recusou a fonte: " + linha.substr(linha.find("Connection failed")), 1);
+          g_pararAr = true;
+          break;
+        }
         const int nivel = NivelDoLog(linha);
         // The end of every song is logged as severe; it is no news.
         const bool fimDeMusica = linha.find("ended: Ffmpeg_decoder.End_of_file") != std::string::npos;
         if (op.detalhes || (nivel >= 1 && nivel <= 2 && !fimDeMusica)) ctx.erros << "liquidsoap: " << linha << std::endl;
-        if (!conectado && linha.find("Connection failed") != std::string::npos) {
-          falhar("o Icecast recusou a fonte: " + linha.substr(linha.find("Connection failed")), 1);
-          g_pararAr = true;
-        }
       }
       int codigo = 0;
       if (tocador->Terminou(&codigo) || (motor && motor->Terminou(&codigo))) {

@@ -23,6 +23,7 @@ constexpr const char* kRodapeAjuda =
     "  rules.md           cada regra (01 a 34): variáveis, período, recusa, particularidades\n"
     "  selection-run.md   a execução da seleção e a entrega ao tocador (select, run, tocar)\n"
     "  station-tools.md   importar, regras, simular\n"
+    "  on-air.md          no ar com Liquidsoap e Icecast (ar, nivel, avancar)\n"
     "  schedule-tables.md tabelas de agenda da regra 25 (rdb tabela)";
 }  // namespace
 
