@@ -157,10 +157,11 @@ void ExecutarAr(Contexto& ctx, const OpcoesAr& op) {
     ctx.saida << (destino ? "no ar: " + destino->UrlOuvinte() + " (" + formato + ")" : std::string("no ar: saída de som desta máquina"))
               << std::endl;
     std::string pendente;
-    bool fechada = false, conectado = !destino;
+    bool fechada = false, conectado = !destino, tocou = false;
     while (!g_pararAr) {
       for (const std::string& linha : LerLinhasProntas(tocador->Saida(), pendente, 200, fechada)) {
         if (linha.starts_with("lumavox: ")) {
+          tocou = true;
           ctx.saida << FormatarIso(AgoraLocal()).substr(11) << " " << linha.substr(9) << std::endl;
           continue;
         }
@@ -168,6 +169,12 @@ void ExecutarAr(Contexto& ctx, const OpcoesAr& op) {
         // A first connection refused (a wrong password, a mount in use) will not mend itself.
         if (!conectado && linha.find("Connection failed") != std::string::npos) {
           falhar("o Icecast recusou a fonte: " + linha.substr(linha.find("Connection failed")), 1);
+          g_pararAr = true;
+          break;
+        }
+        // An output that cannot open before the first song (no sound server) will not either.
+        if (!tocou && linha.find("Error when starting") != std::string::npos) {
+          falhar("a saída não abriu: " + linha.substr(linha.find("Error when starting")), 1);
           g_pararAr = true;
           break;
         }
