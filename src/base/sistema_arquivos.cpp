@@ -1,6 +1,8 @@
 #include "base/sistema_arquivos.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -117,6 +119,23 @@ std::optional<MarcaArquivo> SistemaArquivosReal::Marca(const fs::path& caminho) 
   const auto tamanho = fs::file_size(caminho, ec);
   if (ec) return std::nullopt;
   return MarcaArquivo{momento, tamanho};
+}
+
+std::optional<VersaoArquivo> SistemaArquivosReal::Versao(const fs::path& caminho) noexcept {
+  // File times come from a coarse clock (a few milliseconds a tick): a file written in the last
+  // two seconds may be written again with the very same times, so it has no version yet.
+  constexpr int64_t kRecenteNs = 2'000'000'000;
+  struct stat st {};
+  if (::stat(caminho.c_str(), &st) != 0) return std::nullopt;
+  timespec agora{};
+  ::clock_gettime(CLOCK_REALTIME, &agora);
+  auto ns = [](const timespec& t) { return static_cast<int64_t>(t.tv_sec) * 1'000'000'000 + t.tv_nsec; };
+  const int64_t limite = ns(agora) - kRecenteNs;
+  // Only the write time needs to be old: a change of metadata alone (a rename into place, new
+  // permissions) shows in the inode or the change time, and never changes the content.
+  if (ns(st.st_mtim) > limite) return std::nullopt;
+  return VersaoArquivo{static_cast<uint64_t>(st.st_dev), static_cast<uint64_t>(st.st_ino),
+                       static_cast<uint64_t>(st.st_size), ns(st.st_mtim), ns(st.st_ctim)};
 }
 
 SistemaArquivos& ArquivosReais() {

@@ -21,6 +21,14 @@ namespace fs = std::filesystem;
 // What tells one version of a small exchange file from the next: its write time and size.
 using MarcaArquivo = std::pair<fs::file_time_type, std::uintmax_t>;
 
+// What tells one content of a file (or one set of entries of a folder) from another: where it
+// lives, its size and the times of its last write and last change, to the nanosecond.
+struct VersaoArquivo {
+  uint64_t dispositivo = 0, inode = 0, tamanho = 0;
+  int64_t modificadoNs = 0, mudadoNs = 0;
+  bool operator==(const VersaoArquivo&) const = default;
+};
+
 class SistemaArquivos {
  public:
   virtual ~SistemaArquivos() = default;
@@ -49,6 +57,11 @@ class SistemaArquivos {
   virtual bool CriarPastas(const fs::path& pasta) noexcept = 0;
   // Write time and size, or nothing when either cannot be read.
   virtual std::optional<MarcaArquivo> Marca(const fs::path& caminho) noexcept = 0;
+  // The version of a file or folder, or nothing when it cannot be told apart from the next one:
+  // a file system that keeps no such times, or one written so recently that another write in
+  // the same tick of the file system's clock could leave every time unchanged. Callers read
+  // the file again whenever this is nothing or differs.
+  virtual std::optional<VersaoArquivo> Versao(const fs::path&) noexcept { return std::nullopt; }
 };
 
 // The machine's own file system.
@@ -63,6 +76,7 @@ class SistemaArquivosReal final : public SistemaArquivos {
   std::vector<fs::path> Listar(const fs::path& pasta, std::string_view terminacao) override;
   bool CriarPastas(const fs::path& pasta) noexcept override;
   std::optional<MarcaArquivo> Marca(const fs::path& caminho) noexcept override;
+  std::optional<VersaoArquivo> Versao(const fs::path& caminho) noexcept override;
 };
 
 // The one real file system of the process, for whoever is not handed another.

@@ -60,6 +60,9 @@ class CopiaDaEstacao {
     std::error_code ec;
     for (fs::directory_iterator it(estacao / "mre", ec), fim; !ec && it != fim; it.increment(ec))
       if (it->path().extension() == ".mre") EscreverBytes(pasta_ / "mre" / it->path().filename(), "");
+    // The copies keep the station's write times, so the engine can tell at once that they have
+    // not changed since and need not be read again at every reload.
+    fs::last_write_time(pasta_ / "mre", fs::last_write_time(estacao / "mre", ec), ec);
   }
   ~CopiaDaEstacao() {
     std::error_code ec;
@@ -100,6 +103,7 @@ class CopiaDaEstacao {
         Copiar(p, para / nome, false);
       } else if (it->is_regular_file(ec) && Copiavel(p)) {
         fs::copy_file(p, para / nome, fs::copy_options::overwrite_existing);
+        fs::last_write_time(para / nome, fs::last_write_time(p, ec), ec);
       }
     }
   }

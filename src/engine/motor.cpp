@@ -58,17 +58,32 @@ void Motor::AbrirPlaylists() {
 void Motor::DefinirAcervo(int32_t CodAcervo, int16_t CarregarLogs) {
   (void)CodAcervo;  // carried along by its callers, never read
   const Acervo& acervo = estado_.acervo();
-  estado_.CarregarAcervo([&](Acervo& a) {
-    a.CaminhoApp = caminhoApp_;
-    a.PastaDados = estado_.playlists.Playlists[estado_.playlists.PlaylistAtual];
-    if (estado_.painel) estado_.painel->MostrarPlaylist(a.PastaDados);
+  const fs::path pasta = estado_.playlists.Playlists[estado_.playlists.PlaylistAtual];
+  // Taken before reading, so a file that changes while it is read is read again next time.
+  std::optional<CargaAcervo> insumos = InsumosDoAcervo(pasta);
+  const bool inalterado = insumos && ultimaCarga_ && insumos->pasta == ultimaCarga_->pasta &&
+                          insumos->lxdb == ultimaCarga_->lxdb && insumos->mre == ultimaCarga_->mre &&
+                          estado_.VersaoAcervo() == ultimaCarga_->versaoAcervo;
+  if (inalterado) {
+    if (estado_.painel) estado_.painel->MostrarPlaylist(pasta);
+  } else {
+    ultimaCarga_.reset();
+    estado_.CarregarAcervo([&](Acervo& a) {
+      a.CaminhoApp = caminhoApp_;
+      a.PastaDados = pasta;
+      if (estado_.painel) estado_.painel->MostrarPlaylist(a.PastaDados);
 
-    if (estado_.ModoDebug) EscreverDebug(u"Preparando a carregar tags");
-    CarregarColecao(ambiente_.Arquivos(), a, a.PastaDados, [this](long slot) {
-      // One line per line read, on purpose: the trace shows the exact line a load stopped at.
-      if (estado_.ModoDebug) EscreverDebug(u"Musica: " + DeUtf8(std::to_string(slot)));
+      if (estado_.ModoDebug) EscreverDebug(u"Preparando a carregar tags");
+      CarregarColecao(ambiente_.Arquivos(), a, a.PastaDados, [this](long slot) {
+        // One line per line read, on purpose: the trace shows the exact line a load stopped at.
+        if (estado_.ModoDebug) EscreverDebug(u"Musica: " + DeUtf8(std::to_string(slot)));
+      });
     });
-  });
+    if (insumos) {
+      insumos->versaoAcervo = estado_.VersaoAcervo();
+      ultimaCarga_ = std::move(insumos);
+    }
+  }
 
   EscreverLinhaInteira(ambiente_.Arquivos(), caminhoApp_ / "nreg.rer", DeUtf8(std::to_string(acervo.TotalMusicas)));
 
@@ -83,6 +98,17 @@ void Motor::DefinirAcervo(int32_t CodAcervo, int16_t CarregarLogs) {
 
   // Zero means "load the history"; the inverted reading is how every caller uses it.
   if (CarregarLogs == 0) CarregarMusicasTocadas();
+}
+
+std::optional<Motor::CargaAcervo> Motor::InsumosDoAcervo(const fs::path& pasta) {
+  // The debug trace shows every line of every load; a skipped load would leave it silent.
+  if (estado_.ModoDebug) return std::nullopt;
+  SistemaArquivos& arquivos = ambiente_.Arquivos();
+  auto lxdb = arquivos.Versao(pasta / "lxdb.rdb");
+  // The media folder changes whenever a song's file appears or goes, which is all a load asks.
+  auto mre = arquivos.Versao(caminhoApp_ / "mre");
+  if (!lxdb || !mre) return std::nullopt;
+  return CargaAcervo{pasta, *lxdb, *mre, 0};
 }
 
 void Motor::CarregarMusicasTocadas() {

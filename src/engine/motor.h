@@ -76,6 +76,17 @@ class Motor {
   std::optional<std::string> ultimoErro_;
   // Write time and size of an advance file that was read but could not be deleted.
   std::optional<MarcaArquivo> avancoNaoApagado_;
+
+  // The inputs of the last collection load that completed, and the collection it left. Reading
+  // the same inputs into that same collection would write every value again unchanged, and
+  // make every table derived from it be rebuilt for nothing.
+  struct CargaAcervo {
+    fs::path pasta;
+    VersaoArquivo lxdb, mre;
+    uint64_t versaoAcervo = 0;
+  };
+  std::optional<CargaAcervo> ultimaCarga_;
+  std::optional<CargaAcervo> InsumosDoAcervo(const fs::path& pasta);
 };
 
 }  // namespace lumavox

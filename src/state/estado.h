@@ -92,6 +92,10 @@ class Estado {
   Ambiente* ambiente = nullptr;
   Painel* painel = nullptr;
 
+  // Changes with every load of the collection, so a caller can tell the collection is still the
+  // one it loaded.
+  uint64_t VersaoAcervo() const { return versaoCodigos_; }
+
   bool ModoDebug = false;
   int16_t ContagemRecarga = 0;
   DataHora DataInicio;

@@ -139,5 +139,45 @@ TEST_F(MotorCarga, CargaQueFalhaETentadaDeNovoACadaVerificacao) {
   EXPECT_EQ(motor.E().ContagemRecarga, 5);
 }
 
+// A reload of files that have not changed since the last load leaves the collection as it is,
+// so nothing derived from it is rebuilt; any change to the collection file or to the set of
+// media files is read again, even one that keeps the size and the write time.
+TEST_F(MotorCarga, RecargaDeArquivosInalteradosNaoRefazOAcervo) {
+  const auto antigo = fs::file_time_type::clock::now() - std::chrono::hours(1);
+  auto envelhecer = [&] {
+    fs::last_write_time(estacao.Caminho("lxdb.rdb"), antigo);
+    fs::last_write_time(estacao.Caminho("mre"), antigo);
+  };
+  envelhecer();
+  DefinirAcervo();
+  const uint64_t carregado = motor.E().VersaoAcervo();
+  DefinirAcervo();
+  EXPECT_EQ(motor.E().VersaoAcervo(), carregado);
+  EXPECT_EQ(historicos, 2);  // the history is read again all the same
+
+  // Same size, same write time: only the change time tells.
+  const std::string antes = estacao.Ler("lxdb.rdb");
+  std::string depois = antes;
+  depois.replace(depois.find(EstacaoTeste::Codificada("3")), EstacaoTeste::Codificada("3").size(), EstacaoTeste::Codificada("1"));
+  ASSERT_EQ(depois.size(), antes.size());
+  estacao.GravarTexto("lxdb.rdb", depois);
+  envelhecer();
+  DefinirAcervo();
+  EXPECT_NE(motor.E().VersaoAcervo(), carregado);
+  EXPECT_EQ(motor.E().acervo().AcervoCodigos[2], 1);
+
+  fs::remove(estacao.Caminho("mre/0000002.mre"));
+  envelhecer();
+  DefinirAcervo();
+  EXPECT_EQ(motor.E().acervo().TotalMusicas, 2);
+
+  // A file written a moment ago cannot be told from its next version: it is always read.
+  estacao.GravarTexto("lxdb.rdb", antes);
+  DefinirAcervo();
+  const uint64_t recente = motor.E().VersaoAcervo();
+  DefinirAcervo();
+  EXPECT_NE(motor.E().VersaoAcervo(), recente);
+}
+
 }  // namespace
 }  // namespace lumavox
