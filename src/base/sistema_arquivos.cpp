@@ -20,14 +20,27 @@ ErroExecucao ErroDeArquivo(int numeroErro, const char* acao, const fs::path& cam
 }
 
 std::string SistemaArquivosReal::LerBytes(const fs::path& caminho) {
-  errno = 0;
-  std::ifstream entrada(caminho, std::ios::binary);
-  if (!entrada) throw ErroDeArquivo(errno, "File not found:", caminho);
+  const int fd = ::open(caminho.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) throw ErroDeArquivo(errno, "File not found:", caminho);
+  struct stat st {};
   std::string bytes;
+  // Sized once from the file's length: a collection of megabytes read in growing pieces is
+  // copied over and over into fresh memory.
+  if (::fstat(fd, &st) == 0 && st.st_size > 0) bytes.reserve(static_cast<size_t>(st.st_size) + 1);
   char bloco[65536];
-  while (entrada.read(bloco, sizeof bloco) || entrada.gcount() > 0)
-    bytes.append(bloco, static_cast<size_t>(entrada.gcount()));
-  if (entrada.bad()) throw ErroDeArquivo(errno, "Erro ao ler", caminho);
+  for (;;) {
+    const ssize_t n = ::read(fd, bloco, sizeof bloco);
+    if (n > 0) {
+      bytes.append(bloco, static_cast<size_t>(n));
+    } else if (n == 0) {
+      break;
+    } else if (errno != EINTR) {
+      const int erro = errno;
+      ::close(fd);
+      throw ErroDeArquivo(erro, "Erro ao ler", caminho);
+    }
+  }
+  ::close(fd);
   return bytes;
 }
 
