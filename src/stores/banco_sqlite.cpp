@@ -98,21 +98,15 @@ void BancoLogs::Registrar(const RegistroLog& registro) {
   Registrar(std::vector<RegistroLog>{registro});
 }
 
-void BancoLogs::Registrar(const std::vector<RegistroLog>& registros) {
+void BancoLogs::EmTransacao(const char* insercao, const std::function<void(sqlite3_stmt*)>& corpo) {
   sqlite3_stmt* st = nullptr;
-  if (sqlite3_prepare_v2(db_, "INSERT INTO Logs (Musica, Data, Tipo) VALUES (?, ?, ?)", -1, &st,
-                         nullptr) != SQLITE_OK)
+  if (sqlite3_prepare_v2(db_, insercao, -1, &st, nullptr) != SQLITE_OK) {
+    sqlite3_finalize(st);
     ErroBanco(db_, "writing the log database");
+  }
   try {
     Executar("BEGIN IMMEDIATE");
-    for (const RegistroLog& r : registros) {
-      const std::string data = FormatarIso(r.data);
-      sqlite3_bind_int(st, 1, r.musica);
-      sqlite3_bind_text(st, 2, data.c_str(), static_cast<int>(data.size()), SQLITE_TRANSIENT);
-      sqlite3_bind_int(st, 3, r.tipo);
-      if (sqlite3_step(st) != SQLITE_DONE) ErroBanco(db_, "writing the log database");
-      sqlite3_reset(st);
-    }
+    corpo(st);
     Executar("COMMIT");
   } catch (...) {
     sqlite3_exec(db_, "ROLLBACK", nullptr, nullptr, nullptr);
@@ -122,14 +116,22 @@ void BancoLogs::Registrar(const std::vector<RegistroLog>& registros) {
   sqlite3_finalize(st);
 }
 
+void BancoLogs::Registrar(const std::vector<RegistroLog>& registros) {
+  EmTransacao("INSERT INTO Logs (Musica, Data, Tipo) VALUES (?, ?, ?)", [&](sqlite3_stmt* st) {
+    for (const RegistroLog& r : registros) {
+      const std::string data = FormatarIso(r.data);
+      sqlite3_bind_int(st, 1, r.musica);
+      sqlite3_bind_text(st, 2, data.c_str(), static_cast<int>(data.size()), SQLITE_TRANSIENT);
+      sqlite3_bind_int(st, 3, r.tipo);
+      if (sqlite3_step(st) != SQLITE_DONE) ErroBanco(db_, "writing the log database");
+      sqlite3_reset(st);
+    }
+  });
+}
+
 void BancoLogs::Preencher(const std::vector<LinhaBanco>& linhas,
                           const std::function<void()>& conferir) {
-  sqlite3_stmt* st = nullptr;
-  if (sqlite3_prepare_v2(db_, "INSERT INTO Logs (Codigo, Musica, Data, Tipo) VALUES (?, ?, ?, ?)",
-                         -1, &st, nullptr) != SQLITE_OK)
-    ErroBanco(db_, "writing the log database");
-  try {
-    Executar("BEGIN IMMEDIATE");
+  EmTransacao("INSERT INTO Logs (Codigo, Musica, Data, Tipo) VALUES (?, ?, ?, ?)", [&](sqlite3_stmt* st) {
     // Counted inside the transaction, so an entry the player adds meanwhile is not mixed in.
     if (Escalar(db_, "SELECT count(*) FROM Logs") > 0)
       throw ErroExecucao(CodigoErro::ChamadaInvalida, "the log database already holds entries");
@@ -146,13 +148,7 @@ void BancoLogs::Preencher(const std::vector<LinhaBanco>& linhas,
       sqlite3_reset(st);
     }
     if (conferir) conferir();
-    Executar("COMMIT");
-  } catch (...) {
-    sqlite3_exec(db_, "ROLLBACK", nullptr, nullptr, nullptr);
-    sqlite3_finalize(st);
-    throw;
-  }
-  sqlite3_finalize(st);
+  });
 }
 
 void CriarBancoLogs(const fs::path& arquivo) { BancoLogs banco(arquivo); }

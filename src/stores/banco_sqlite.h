@@ -11,6 +11,7 @@
 #include "stores/historico_fonte.h"
 
 struct sqlite3;
+struct sqlite3_stmt;
 
 namespace lumavox {
 
@@ -46,6 +47,9 @@ class BancoLogs {
 
  private:
   void Executar(const char* sql);
+  // Prepares `insercao` and runs `corpo` with it in one transaction: committed when it returns,
+  // rolled back when it raises.
+  void EmTransacao(const char* insercao, const std::function<void(sqlite3_stmt*)>& corpo);
   sqlite3* db_ = nullptr;
 };
 

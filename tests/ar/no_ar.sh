@@ -113,19 +113,20 @@ grep -q "no ar: http://127.0.0.1:$PORTA/lumavox.mp3" "$T/ar.out" || falha "ar n�
 
 # A click just after a song started: the next song must come from the engine's new choice.
 esperar_linhas $(($(linhas_no_ar) + 1)) 15
-sleep 1
-antes=$(linhas_no_ar)
-clique1=$(agora_ms)
-[ "$("$CLI" avancar --dir "$E")" = "clique 1" ] || falha "primeiro clique não contou 1"
-esperar_linhas $((antes + 1)) 10
-troca1=$(agora_ms)
+clicar() {  # clicar CONTAGEM: a click one second into the song on air; sets clique and troca
+  sleep 1
+  local antes
+  antes=$(linhas_no_ar)
+  clique=$(agora_ms)
+  [ "$("$CLI" avancar --dir "$E")" = "clique $1" ] || falha "o clique não contou $1"
+  esperar_linhas $((antes + 1)) 10
+  troca=$(agora_ms)
+}
+clicar 1
+clique1=$clique troca1=$troca
 # A second click on the song the first one brought: two in a row.
-sleep 1
-antes=$(linhas_no_ar)
-clique2=$(agora_ms)
-[ "$("$CLI" avancar --dir "$E")" = "clique 2" ] || falha "segundo clique seguido não contou 2"
-esperar_linhas $((antes + 1)) 10
-troca2=$(agora_ms)
+clicar 2
+clique2=$clique troca2=$troca
 
 "$CLI" nivel --dir "$E" 80
 antes=$(linhas_no_ar)
