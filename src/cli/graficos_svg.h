@@ -28,8 +28,9 @@ struct SerieBarras {
   std::vector<double> valores;
   std::vector<std::string> dicas;
 };
-std::string GraficoBarras(const std::vector<std::string>& rotulos, const std::vector<SerieBarras>& series,
-                          const std::string& tituloX, const std::string& tituloY);
+std::string GraficoBarras(const std::vector<std::string>& rotulos,
+                          const std::vector<SerieBarras>& series, const std::string& tituloX,
+                          const std::string& tituloY);
 
 // How many songs played 0, 1, 2, ... times, one series per run; many counts are grouped into
 // ranges of equal width, the rare highest ones into a last bar.

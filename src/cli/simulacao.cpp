@@ -6,7 +6,8 @@
 
 namespace lumavox::cli {
 
-const std::vector<double> kFaixasMinutos{0, 15, 30, 45, 60, 90, 120, 180, 240, 360, 480, 720, 1440, 2880};
+const std::vector<double> kFaixasMinutos{0,   15,  30,  45,  60,  90,   120,
+                                         180, 240, 360, 480, 720, 1440, 2880};
 
 namespace {
 
@@ -26,7 +27,8 @@ Espacamento Espacar(const std::vector<TocadaSimulada>& tocadas, const std::vecto
     const long v = valores[i];
     if (v < 0) continue;
     long j = -1;
-    for (long outro : iguais[static_cast<size_t>(v)]) j = std::max(j, ultima[static_cast<size_t>(outro)]);
+    for (long outro : iguais[static_cast<size_t>(v)])
+      j = std::max(j, ultima[static_cast<size_t>(outro)]);
     ultima[static_cast<size_t>(v)] = static_cast<long>(i);
     if (j < 0) continue;
     const auto anterior = static_cast<size_t>(j);
@@ -36,7 +38,8 @@ Espacamento Espacar(const std::vector<TocadaSimulada>& tocadas, const std::vecto
     musicas.push_back(emMusicas);
     minutos.push_back(emMinutos);
     const auto faixa = std::upper_bound(kFaixasMinutos.begin(), kFaixasMinutos.end(), emMinutos);
-    ++r.histograma[static_cast<size_t>(std::max<std::ptrdiff_t>(0, faixa - kFaixasMinutos.begin() - 1))];
+    ++r.histograma[static_cast<size_t>(
+        std::max<std::ptrdiff_t>(0, faixa - kFaixasMinutos.begin() - 1))];
     const Texto& quem = tocadas[i].*nome;
     const Intervalo::Caso caso{0, quem, tocadas[anterior].momento, tocadas[i].momento};
     if (!intervalo.musicas || emMusicas < intervalo.musicas->valor) {
@@ -70,7 +73,8 @@ Espacamento Espacar(const std::vector<TocadaSimulada>& tocadas, const std::vecto
 
 // Numbers each distinct key (an empty one gets -1, as a play without the tag shares nothing).
 template <typename Chave>
-std::vector<long> Numerar(const std::vector<TocadaSimulada>& tocadas, Chave chave, std::vector<Texto>& chaves) {
+std::vector<long> Numerar(const std::vector<TocadaSimulada>& tocadas, Chave chave,
+                          std::vector<Texto>& chaves) {
   std::unordered_map<Texto, long> numeros;
   std::vector<long> valores;
   for (const TocadaSimulada& t : tocadas) {
@@ -91,7 +95,8 @@ std::vector<long> Numerar(const std::vector<TocadaSimulada>& tocadas, Chave chav
 double Percentil(const std::vector<double>& ordenados, double p) {
   if (ordenados.empty()) return 0;
   const double posicao = std::ceil(p / 100 * static_cast<double>(ordenados.size()));
-  const auto indice = static_cast<size_t>(std::clamp(posicao, 1.0, static_cast<double>(ordenados.size())));
+  const auto indice =
+      static_cast<size_t>(std::clamp(posicao, 1.0, static_cast<double>(ordenados.size())));
   return ordenados[indice - 1];
 }
 
@@ -108,16 +113,20 @@ Figuras CalcularFiguras(const Simulacao& s, const MesmoArtista& mesmoArtista, si
   // Artists compare by pieces, as the engine does ("Ana feat Bia" shares Ana): each pair of
   // distinct texts is asked once, later play first, as a month repeats the same few hundred.
   std::vector<Texto> artistas, titulos;
-  const auto numeroArtista = Numerar(s.tocadas, [](const TocadaSimulada& t) { return t.artista; }, artistas);
-  const auto numeroTitulo =
-      Numerar(s.tocadas, [](const TocadaSimulada& t) { return Maiusculas(t.titulo); }, titulos);
+  const auto numeroArtista = Numerar(
+      s.tocadas, [](const TocadaSimulada& t) { return t.artista; }, artistas);
+  const auto numeroTitulo = Numerar(
+      s.tocadas, [](const TocadaSimulada& t) { return Maiusculas(t.titulo); }, titulos);
   std::vector<std::vector<long>> iguaisArtista(artistas.size()), iguaisTitulo(titulos.size());
   for (size_t a = 0; a < artistas.size(); ++a)
     for (size_t b = 0; b < artistas.size(); ++b)
-      if (a == b || mesmoArtista(artistas[a], artistas[b])) iguaisArtista[a].push_back(static_cast<long>(b));
+      if (a == b || mesmoArtista(artistas[a], artistas[b]))
+        iguaisArtista[a].push_back(static_cast<long>(b));
   for (size_t t = 0; t < titulos.size(); ++t) iguaisTitulo[t] = {static_cast<long>(t)};
-  f.espacoArtista = Espacar(s.tocadas, numeroArtista, iguaisArtista, &TocadaSimulada::artista, f.artista);
-  f.espacoTitulo = Espacar(s.tocadas, numeroTitulo, iguaisTitulo, &TocadaSimulada::titulo, f.titulo);
+  f.espacoArtista =
+      Espacar(s.tocadas, numeroArtista, iguaisArtista, &TocadaSimulada::artista, f.artista);
+  f.espacoTitulo =
+      Espacar(s.tocadas, numeroTitulo, iguaisTitulo, &TocadaSimulada::titulo, f.titulo);
 
   std::map<int32_t, size_t> vezes;
   std::map<int32_t, const TocadaSimulada*> primeira;
@@ -130,7 +139,8 @@ Figuras CalcularFiguras(const Simulacao& s, const MesmoArtista& mesmoArtista, si
     if (f.musicasPorVezes.size() <= n) f.musicasPorVezes.resize(n + 1, 0);
     ++f.musicasPorVezes[n];
     if (n > 0)
-      f.maisTocadas.push_back({codigo, primeira[codigo]->artista, primeira[codigo]->titulo, static_cast<long>(n)});
+      f.maisTocadas.push_back(
+          {codigo, primeira[codigo]->artista, primeira[codigo]->titulo, static_cast<long>(n)});
   }
   for (const MusicaDoAcervo& m : s.acervo)
     if (vezes[m.codigo] == 0) f.nuncaTocadas.push_back(m);

@@ -56,16 +56,19 @@ std::string Motivo(const Simulacao& s, const Figuras::MaisTocada& m) {
   if (m.negadas.empty()) return t + "; nenhuma regra negada";
   t += "; regras negadas: ";
   for (size_t i = 0; i < m.negadas.size() && i < 5; ++i)
-    t += (i ? ", " : "") + NomeRegra(s, m.negadas[i].first) + " (" + std::to_string(m.negadas[i].second) + "×)";
+    t += (i ? ", " : "") + NomeRegra(s, m.negadas[i].first) + " (" +
+         std::to_string(m.negadas[i].second) + "×)";
   if (m.negadas.size() > 5) t += " e mais " + std::to_string(m.negadas.size() - 5);
   return t;
 }
 
 void TabelaMaisTocadas(std::ostringstream& h, const Simulacao& s, const Figuras& f) {
-  h << "<table><tr><th>código</th><th>artista</th><th>título</th><th>vezes</th><th>o que as regras deixaram</th></tr>";
+  h << "<table><tr><th>código</th><th>artista</th><th>título</th><th>vezes</th><th>o que as regras "
+       "deixaram</th></tr>";
   for (const auto& m : f.maisTocadas)
-    h << "<tr><td class='n'>" << m.codigo << "</td><td>" << Texto8(m.artista) << "</td><td>" << Texto8(m.titulo)
-      << "</td><td class='n'>" << m.vezes << "</td><td><small>" << Motivo(s, m) << "</small></td></tr>";
+    h << "<tr><td class='n'>" << m.codigo << "</td><td>" << Texto8(m.artista) << "</td><td>"
+      << Texto8(m.titulo) << "</td><td class='n'>" << m.vezes << "</td><td><small>" << Motivo(s, m)
+      << "</small></td></tr>";
   h << "</table>\n";
 }
 
@@ -73,11 +76,12 @@ void TabelaRegras(std::ostringstream& h, const Simulacao& s) {
   h << "<table><tr><th>conjunto</th><th>nº</th><th>id</th><th>descrição</th><th>aplicada</th>"
        "<th>removeu músicas</th><th>negada</th><th>não realizada</th><th>erro</th></tr>";
   for (const auto& [chave, r] : s.regras) {
-    h << "<tr><td class='n'>" << r.conjunto << "</td><td class='n'>" << r.numero << "</td><td>" << Texto8(r.id)
-      << "</td><td>" << Texto8(r.descricao) << "</td><td class='n'>" << r.aplicada << "</td><td class='n'>"
-      << r.removeu << "</td><td class='n'>" << r.negada << "</td><td class='n'>" << r.naoRealizada
-      << "</td><td class='n'" << (r.ultimoErro.empty() ? "" : " title='" + EscaparHtml(r.ultimoErro) + "'") << ">"
-      << r.erro << "</td></tr>";
+    h << "<tr><td class='n'>" << r.conjunto << "</td><td class='n'>" << r.numero << "</td><td>"
+      << Texto8(r.id) << "</td><td>" << Texto8(r.descricao) << "</td><td class='n'>" << r.aplicada
+      << "</td><td class='n'>" << r.removeu << "</td><td class='n'>" << r.negada
+      << "</td><td class='n'>" << r.naoRealizada << "</td><td class='n'"
+      << (r.ultimoErro.empty() ? "" : " title='" + EscaparHtml(r.ultimoErro) + "'") << ">" << r.erro
+      << "</td></tr>";
   }
   h << "</table>\n";
 }
@@ -91,11 +95,12 @@ void NegadasPorHora(std::ostringstream& h, const Simulacao& s) {
 }
 
 void Espacamentos(std::ostringstream& h, const Figuras& f) {
-  h << "<table><tr><th></th><th>intervalos</th><th>mínimo</th><th>5%</th><th>25%</th><th>mediana</th></tr>";
+  h << "<table><tr><th></th><th>intervalos</th><th>mínimo</th><th>5%</th><th>25%</th><th>mediana</"
+       "th></tr>";
   auto Linha = [&](const char* rotulo, const Espacamento& e, bool minutos) {
     const auto& r = minutos ? e.minutos : e.musicas;
-    h << "<tr><th>" << rotulo << (minutos ? ", em minutos" : ", em músicas") << "</th><td class='n'>"
-      << e.intervalos << "</td>";
+    h << "<tr><th>" << rotulo << (minutos ? ", em minutos" : ", em músicas")
+      << "</th><td class='n'>" << e.intervalos << "</td>";
     if (!r) {
       h << "<td colspan='4'>nenhuma repetição</td></tr>";
       return;
@@ -109,13 +114,16 @@ void Espacamentos(std::ostringstream& h, const Figuras& f) {
   Linha("título", f.espacoTitulo, false);
   Linha("título", f.espacoTitulo, true);
   h << "</table>\n" << GraficoEspacamento(f) << "\n<div class='lado'>";
-  for (const auto& [rotulo, e] : {std::pair<const char*, const Espacamento*>{"Artistas", &f.espacoArtista},
-                                  {"Títulos", &f.espacoTitulo}}) {
-    h << "<div><h3>" << rotulo << " que voltaram mais cedo</h3><table><tr><th>" << (e == &f.espacoArtista ? "artista" : "título")
+  for (const auto& [rotulo, e] :
+       {std::pair<const char*, const Espacamento*>{"Artistas", &f.espacoArtista},
+        {"Títulos", &f.espacoTitulo}}) {
+    h << "<div><h3>" << rotulo << " que voltaram mais cedo</h3><table><tr><th>"
+      << (e == &f.espacoArtista ? "artista" : "título")
       << "</th><th>menor, min</th><th>em músicas</th><th>vezes</th></tr>";
     for (const Espacamento::Menor& m : e->menores)
-      h << "<tr><td>" << Texto8(m.quem) << "</td><td class='n'>" << NumeroComVirgula(m.minutos) << "</td><td class='n'>"
-        << NumeroComVirgula(m.musicas, 0) << "</td><td class='n'>" << m.intervalos << "</td></tr>";
+      h << "<tr><td>" << Texto8(m.quem) << "</td><td class='n'>" << NumeroComVirgula(m.minutos)
+        << "</td><td class='n'>" << NumeroComVirgula(m.musicas, 0) << "</td><td class='n'>"
+        << m.intervalos << "</td></tr>";
     h << "</table></div>";
   }
   h << "</div>\n";
@@ -125,9 +133,10 @@ void Vezes(std::ostringstream& h, const Figuras& f) {
   long musicas = 0;
   for (long n : f.musicasPorVezes) musicas += n;
   const long umaVez = f.musicasPorVezes.size() > 1 ? f.musicasPorVezes[1] : 0;
-  h << "<p>De " << musicas << " músicas, <b>" << f.nuncaTocadas.size() << " nunca tocaram</b>, " << umaVez
-    << " tocaram uma vez só";
-  if (!f.maisTocadas.empty()) h << " e a mais tocada tocou " << f.maisTocadas.front().vezes << " vezes";
+  h << "<p>De " << musicas << " músicas, <b>" << f.nuncaTocadas.size() << " nunca tocaram</b>, "
+    << umaVez << " tocaram uma vez só";
+  if (!f.maisTocadas.empty())
+    h << " e a mais tocada tocou " << f.maisTocadas.front().vezes << " vezes";
   h << ".</p>\n" << GraficoVezes({{"", &f}}) << "\n";
   if (f.nuncaTocadas.empty()) return;
   h << "<details><summary>As que nunca tocaram</summary><p class='lista'>";
@@ -152,28 +161,40 @@ void Comparacao(std::ostringstream& h, const Simulacao& s, const Figuras& f, con
     return mediana ? e.minutos->mediana : e.minutos->minimo;
   };
   const std::vector<Linha> linhas{
-      {"músicas tocadas", [](const Simulacao& x, const Figuras&) { return double(x.tocadas.size()); }, 0},
-      {"escolhas do motor", [](const Simulacao& x, const Figuras&) { return double(x.escolhidas); }, 0},
-      {"músicas que nunca tocaram", [](const Simulacao&, const Figuras& y) { return double(y.nuncaTocadas.size()); }, 0},
+      {"músicas tocadas",
+       [](const Simulacao& x, const Figuras&) { return double(x.tocadas.size()); }, 0},
+      {"escolhas do motor", [](const Simulacao& x, const Figuras&) { return double(x.escolhidas); },
+       0},
+      {"músicas que nunca tocaram",
+       [](const Simulacao&, const Figuras& y) { return double(y.nuncaTocadas.size()); }, 0},
       {"vezes da mais tocada",
        [](const Simulacao&, const Figuras& y) -> std::optional<double> {
          if (y.maisTocadas.empty()) return std::nullopt;
          return double(y.maisTocadas.front().vezes);
        },
        0},
-      {"tocadas que eram a única restante", [](const Simulacao&, const Figuras& y) { return double(y.unicaRestante); }, 0},
-      {"regras negadas", [](const Simulacao& x, const Figuras&) { return double(TotalNegadas(x)); }, 0},
-      {"menor intervalo de artista, min", [&](const Simulacao&, const Figuras& y) { return Minutos(y.espacoArtista, false); }, 1},
-      {"mediana do intervalo de artista, min", [&](const Simulacao&, const Figuras& y) { return Minutos(y.espacoArtista, true); }, 1},
-      {"menor intervalo de título, min", [&](const Simulacao&, const Figuras& y) { return Minutos(y.espacoTitulo, false); }, 1},
-      {"mediana do intervalo de título, min", [&](const Simulacao&, const Figuras& y) { return Minutos(y.espacoTitulo, true); }, 1},
+      {"tocadas que eram a única restante",
+       [](const Simulacao&, const Figuras& y) { return double(y.unicaRestante); }, 0},
+      {"regras negadas", [](const Simulacao& x, const Figuras&) { return double(TotalNegadas(x)); },
+       0},
+      {"menor intervalo de artista, min",
+       [&](const Simulacao&, const Figuras& y) { return Minutos(y.espacoArtista, false); }, 1},
+      {"mediana do intervalo de artista, min",
+       [&](const Simulacao&, const Figuras& y) { return Minutos(y.espacoArtista, true); }, 1},
+      {"menor intervalo de título, min",
+       [&](const Simulacao&, const Figuras& y) { return Minutos(y.espacoTitulo, false); }, 1},
+      {"mediana do intervalo de título, min",
+       [&](const Simulacao&, const Figuras& y) { return Minutos(y.espacoTitulo, true); }, 1},
   };
-  h << "<table><tr><th></th><th>regras da estação</th><th>" << EscaparHtml(a.nome) << "</th><th>diferença</th></tr>";
+  h << "<table><tr><th></th><th>regras da estação</th><th>" << EscaparHtml(a.nome)
+    << "</th><th>diferença</th></tr>";
   for (const Linha& l : linhas) {
     const auto x = l.valor(s, f), y = l.valor(a.sim, a.figuras);
-    auto Celula = [&](const std::optional<double>& v) { return v ? NumeroComVirgula(*v, l.casas) : std::string("—"); };
-    h << "<tr><th>" << l.rotulo << "</th><td class='n'>" << Celula(x) << "</td><td class='n'>" << Celula(y)
-      << "</td><td class='n'>";
+    auto Celula = [&](const std::optional<double>& v) {
+      return v ? NumeroComVirgula(*v, l.casas) : std::string("—");
+    };
+    h << "<tr><th>" << l.rotulo << "</th><td class='n'>" << Celula(x) << "</td><td class='n'>"
+      << Celula(y) << "</td><td class='n'>";
     if (x && y) h << (*y - *x > 0 ? "+" : "") << NumeroComVirgula(*y - *x, l.casas);
     h << "</td></tr>";
   }
@@ -181,7 +202,8 @@ void Comparacao(std::ostringstream& h, const Simulacao& s, const Figuras& f, con
     << GraficoVezes({{"regras da estação", &f}, {a.nome, &a.figuras}}) << "\n";
 }
 
-void Avisos(std::ostringstream& h, const std::vector<std::string>& avisos, const std::string& titulo) {
+void Avisos(std::ostringstream& h, const std::vector<std::string>& avisos,
+            const std::string& titulo) {
   if (avisos.empty()) return;
   h << "<h2>" << EscaparHtml(titulo) << "</h2>\n<ul>";
   for (const std::string& a : avisos) h << "<li>" << EscaparHtml(a) << "</li>";
@@ -195,14 +217,18 @@ std::string SimulacaoHtml(const Simulacao& s, const Figuras& f, const Alternativ
   h << "<!DOCTYPE html>\n<html lang='pt-BR'><head><meta charset='utf-8'><title>Simulação "
     << FormatarIso(s.inicio).substr(0, 16) << "</title><style>"
     << "body{font-family:system-ui,sans-serif;margin:24px auto;max-width:1000px;color:#222}"
-    << "h1{font-size:1.4em}h2{font-size:1.1em;margin-top:1.6em;border-bottom:1px solid #ccc}h3{font-size:1em}"
-    << "table{border-collapse:collapse;font-size:.9em}td,th{border:1px solid #ddd;padding:3px 8px;text-align:left}"
+    << "h1{font-size:1.4em}h2{font-size:1.1em;margin-top:1.6em;border-bottom:1px solid "
+       "#ccc}h3{font-size:1em}"
+    << "table{border-collapse:collapse;font-size:.9em}td,th{border:1px solid #ddd;padding:3px "
+       "8px;text-align:left}"
     << "th{background:#f3f3f3}td.n{text-align:right}svg{width:100%;height:auto}"
     << ".grade{stroke:#e4e4e4}.eixo{font-size:11px;fill:#555}.celula{font-size:9px;fill:#333}"
     << ".nivel{fill:none;stroke:#d2691e;stroke-width:2}"
-    << ".tocada{fill:#1f5fa8;fill-opacity:.75}.avancada{fill:none;stroke:#1f5fa8}.barra{fill:#5b8fc9}"
+    << ".tocada{fill:#1f5fa8;fill-opacity:.75}.avancada{fill:none;stroke:#1f5fa8}.barra{fill:#"
+       "5b8fc9}"
     << ".faixa{fill:#1f5fa8;fill-opacity:.22}.mediana{fill:none;stroke:#1f5fa8;stroke-width:1.2}"
-    << ".s0{fill:#1f5fa8}.s1{fill:#e08a2c}.lado{display:flex;gap:24px}.lado>div{flex:1}.lado table{width:100%;font-size:.85em}.lista{font-size:.85em}"
+    << ".s0{fill:#1f5fa8}.s1{fill:#e08a2c}.lado{display:flex;gap:24px}.lado>div{flex:1}.lado "
+       "table{width:100%;font-size:.85em}.lista{font-size:.85em}"
     << ".legenda span{margin-right:1.5em}.resumo{line-height:1.6}"
     << "</style></head><body>\n";
   h << "<h1>Simulação de " << FormatarIso(s.inicio).substr(0, 16) << " a " << FormatarIso(s.fim).substr(0, 16)
@@ -212,9 +238,12 @@ std::string SimulacaoHtml(const Simulacao& s, const Figuras& f, const Alternativ
     << " escolhas do motor. Simulado em " << NumeroComVirgula(s.segundosDeExecucao, 2) << " s.</p>\n";
 
   if (alternativa) {
-    h << "<h2>Regras da estação × " << EscaparHtml(alternativa->nome) << "</h2>\n<p>O mesmo período, semente e "
-      << "nível, numa cópia nova da estação com as regras de <code>" << EscaparHtml(alternativa->nome)
-      << "</code>. O restante do relatório é das regras da estação; as da alternativa vêm no fim.</p>\n";
+    h << "<h2>Regras da estação × " << EscaparHtml(alternativa->nome)
+      << "</h2>\n<p>O mesmo período, semente e "
+      << "nível, numa cópia nova da estação com as regras de <code>"
+      << EscaparHtml(alternativa->nome)
+      << "</code>. O restante do relatório é das regras da estação; as da alternativa vêm no "
+         "fim.</p>\n";
     Comparacao(h, s, f, *alternativa);
   }
 
@@ -222,7 +251,8 @@ std::string SimulacaoHtml(const Simulacao& s, const Figuras& f, const Alternativ
   h << "<h2>Vibe das músicas e nível de ritmo</h2>\n<p class='legenda'><span style='color:#1f5fa8'>"
     << (pontos ? "● vibe da música tocada (○ avançada)"
                : "▬ de 10% a 90% das vibes tocadas ━ mediana")
-    << "</span><span style='color:#d2691e'>━ nível de ritmo (escala à direita; ÷10 na escala da vibe)</span></p>\n"
+    << "</span><span style='color:#d2691e'>━ nível de ritmo (escala à direita; ÷10 na escala da "
+       "vibe)</span></p>\n"
     << GraficoVibe(s) << "\n";
   h << "<h2>Músicas por hora</h2>\n" << GraficoPorHora(f) << "\n";
 
@@ -235,7 +265,8 @@ std::string SimulacaoHtml(const Simulacao& s, const Figuras& f, const Alternativ
     << "<tr><th>mesmo artista</th>" << CelulaCaso(f.artista.musicas, false) << CelulaCaso(f.artista.minutos, true)
     << "</tr><tr><th>mesmo título</th>" << CelulaCaso(f.titulo.musicas, false) << CelulaCaso(f.titulo.minutos, true)
     << "</tr></table>\n";
-  h << "<h2>Espaçamento de artistas e títulos</h2>\n<p>Cada tocada contra a anterior do mesmo artista (ou "
+  h << "<h2>Espaçamento de artistas e títulos</h2>\n<p>Cada tocada contra a anterior do mesmo "
+       "artista (ou "
        "título): 5% dos intervalos ficaram abaixo da coluna 5%, metade abaixo da mediana.</p>\n";
   Espacamentos(h, f);
 

@@ -17,6 +17,7 @@ struct Alternativa {
   std::string nome;
 };
 
-std::string SimulacaoHtml(const Simulacao& s, const Figuras& f, const Alternativa* alternativa = nullptr);
+std::string SimulacaoHtml(const Simulacao& s, const Figuras& f,
+                          const Alternativa* alternativa = nullptr);
 
 }  // namespace lumavox::cli

@@ -17,7 +17,8 @@ nlohmann::ordered_json IntervaloJson(const Intervalo& i) {
 }
 
 nlohmann::ordered_json ChaveJson(const ChaveRegra& r) {
-  return {{"conjunto", std::get<0>(r)}, {"numero", std::get<1>(r)}, {"id", ParaUtf8(std::get<2>(r))}};
+  return {
+      {"conjunto", std::get<0>(r)}, {"numero", std::get<1>(r)}, {"id", ParaUtf8(std::get<2>(r))}};
 }
 
 nlohmann::ordered_json EspacamentoJson(const Espacamento& e) {
@@ -31,10 +32,15 @@ nlohmann::ordered_json EspacamentoJson(const Espacamento& e) {
     histograma.push_back({{"desde_minutos", kFaixasMinutos[i]}, {"intervalos", e.histograma[i]}});
   J menores = J::array();
   for (const Espacamento::Menor& m : e.menores)
-    menores.push_back({{"quem", ParaUtf8(m.quem)}, {"musicas", m.musicas}, {"minutos", m.minutos},
+    menores.push_back({{"quem", ParaUtf8(m.quem)},
+                       {"musicas", m.musicas},
+                       {"minutos", m.minutos},
                        {"intervalos", m.intervalos}});
-  return {{"intervalos", e.intervalos}, {"musicas", Resumo(e.musicas)}, {"minutos", Resumo(e.minutos)},
-          {"histograma_minutos", std::move(histograma)}, {"menores", std::move(menores)}};
+  return {{"intervalos", e.intervalos},
+          {"musicas", Resumo(e.musicas)},
+          {"minutos", Resumo(e.minutos)},
+          {"histograma_minutos", std::move(histograma)},
+          {"menores", std::move(menores)}};
 }
 
 }  // namespace
@@ -51,8 +57,11 @@ nlohmann::ordered_json SimulacaoJson(const Simulacao& s, const Figuras& f) {
       n["vezes"] = vezes;
       negadas.push_back(std::move(n));
     }
-    mais.push_back({{"codigo", m.codigo}, {"artista", ParaUtf8(m.artista)}, {"titulo", ParaUtf8(m.titulo)},
-                    {"vezes", m.vezes}, {"unica_restante", m.unicaRestante},
+    mais.push_back({{"codigo", m.codigo},
+                    {"artista", ParaUtf8(m.artista)},
+                    {"titulo", ParaUtf8(m.titulo)},
+                    {"vezes", m.vezes},
+                    {"unica_restante", m.unicaRestante},
                     {"restantes_mediana", m.restantesMediana >= 0 ? J(m.restantesMediana) : J()},
                     {"negadas", std::move(negadas)}});
   }
@@ -69,12 +78,18 @@ nlohmann::ordered_json SimulacaoJson(const Simulacao& s, const Figuras& f) {
   for (const auto& [quando, nivel] : s.niveis) niveis.push_back({{"desde", FormatarIso(quando)}, {"nivel", nivel}});
   J tocadas = J::array();
   for (const TocadaSimulada& t : s.tocadas)
-    tocadas.push_back({{"momento", FormatarIso(t.momento)}, {"codigo", t.codigo}, {"nivel", t.nivel},
-                       {"vibe", t.vibe}, {"artista", ParaUtf8(t.artista)}, {"titulo", ParaUtf8(t.titulo)},
-                       {"avancada", t.avancada}, {"restantes", t.restantes >= 0 ? J(t.restantes) : J()}});
+    tocadas.push_back({{"momento", FormatarIso(t.momento)},
+                       {"codigo", t.codigo},
+                       {"nivel", t.nivel},
+                       {"vibe", t.vibe},
+                       {"artista", ParaUtf8(t.artista)},
+                       {"titulo", ParaUtf8(t.titulo)},
+                       {"avancada", t.avancada},
+                       {"restantes", t.restantes >= 0 ? J(t.restantes) : J()}});
   J nunca = J::array();
   for (const MusicaDoAcervo& m : f.nuncaTocadas)
-    nunca.push_back({{"codigo", m.codigo}, {"artista", ParaUtf8(m.artista)}, {"titulo", ParaUtf8(m.titulo)}});
+    nunca.push_back(
+        {{"codigo", m.codigo}, {"artista", ParaUtf8(m.artista)}, {"titulo", ParaUtf8(m.titulo)}});
   return {{"estacao", s.estacao},
           {"inicio", FormatarIso(s.inicio)},
           {"fim", FormatarIso(s.fim)},
@@ -86,7 +101,8 @@ nlohmann::ordered_json SimulacaoJson(const Simulacao& s, const Figuras& f) {
           {"avancadas", f.avancadas},
           {"segundos_de_execucao", s.segundosDeExecucao},
           {"por_hora", std::move(porHora)},
-          {"menor_intervalo", {{"artista", IntervaloJson(f.artista)}, {"titulo", IntervaloJson(f.titulo)}}},
+          {"menor_intervalo",
+           {{"artista", IntervaloJson(f.artista)}, {"titulo", IntervaloJson(f.titulo)}}},
           {"mais_tocadas", std::move(mais)},
           {"regras", std::move(regras)},
           {"niveis", std::move(niveis)},
@@ -95,7 +111,9 @@ nlohmann::ordered_json SimulacaoJson(const Simulacao& s, const Figuras& f) {
           {"musicas_por_vezes", f.musicasPorVezes},
           {"nunca_tocadas", std::move(nunca)},
           {"unica_restante", f.unicaRestante},
-          {"espacamento", {{"artista", EspacamentoJson(f.espacoArtista)}, {"titulo", EspacamentoJson(f.espacoTitulo)}}}};
+          {"espacamento",
+           {{"artista", EspacamentoJson(f.espacoArtista)},
+            {"titulo", EspacamentoJson(f.espacoTitulo)}}}};
 }
 
 }  // namespace lumavox::cli

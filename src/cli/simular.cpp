@@ -4,6 +4,8 @@
 // only when asked (--avancar) and logs its plays into the copy's log database; the level comes
 // from --nivel, a daily curve (--curva) or the station's ritmo.rer. With --regras the same
 // period runs a second time on a fresh copy whose rules come from a TOML text, for comparison.
+#include <unistd.h>
+
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -14,8 +16,6 @@
 #include <random>
 #include <unordered_map>
 #include <unordered_set>
-
-#include <unistd.h>
 
 #include "base/arquivos.h"
 #include "base/numeros.h"
@@ -195,8 +195,8 @@ void ImprimirResumo(std::ostream& out, const Simulacao& s, const Figuras& f) {
   };
   Caso("artista", f.artista);
   Caso("título", f.titulo);
-  out << "Nunca tocaram: " << f.nuncaTocadas.size() << " músicas; escolhidas como a única restante: "
-      << f.unicaRestante << " tocadas\n";
+  out << "Nunca tocaram: " << f.nuncaTocadas.size()
+      << " músicas; escolhidas como a única restante: " << f.unicaRestante << " tocadas\n";
   for (const std::string& aviso : s.avisos) out << "aviso: " << aviso << "\n";
   for (const auto& [chave, r] : s.regras)
     out << "  conjunto " << r.conjunto << " regra " << r.numero << " (" << ParaUtf8(r.id) << "): " << r.aplicada
@@ -221,7 +221,8 @@ struct Rodada {
 // One run on a fresh scratch copy of the station, its rules files replaced by `regras` when
 // given. Nothing when it could not start or was interrupted; the error is then written.
 std::optional<Rodada> RodarSimulacao(Contexto& ctx, const fs::path& estacao, const Periodo& p,
-                                     const std::vector<ConjuntoLido>* regras, const std::string& rotulo) {
+                                     const std::vector<ConjuntoLido>* regras,
+                                     const std::string& rotulo) {
   const auto relogio = std::chrono::steady_clock::now();
   auto Falhar = [&](const std::string& mensagem, int codigo) {
     ctx.erros << "lumavox-cli: " << mensagem << "\n";
@@ -260,7 +261,8 @@ std::optional<Rodada> RodarSimulacao(Contexto& ctx, const fs::path& estacao, con
   // Plays logged after the simulated start sit in the rules' "recent" window all day long.
   DataHora ultimaTocada = p.inicio;
   for (long i = -500; i < 0; ++i)
-    if (e.historico().HistoricoCodigos[i] > 0) ultimaTocada = std::max(ultimaTocada, e.historico().HistoricoDatas[i]);
+    if (e.historico().HistoricoCodigos[i] > 0)
+      ultimaTocada = std::max(ultimaTocada, e.historico().HistoricoDatas[i]);
   if (ultimaTocada > p.inicio)
     sim.avisos.push_back("o histórico da estação tem tocadas depois do início simulado (até " +
                          FormatarIso(ultimaTocada) + "); as regras as contam como recentes");
@@ -275,13 +277,14 @@ std::optional<Rodada> RodarSimulacao(Contexto& ctx, const fs::path& estacao, con
     const Acervo& a = e.acervo();
     const int total = a.TotalMusicas;
     const std::tuple<int, int32_t, int32_t> marca{total, total > 0 ? a.AcervoCodigos[0] : 0,
-                                                   total > 0 ? a.AcervoCodigos[total - 1] : 0};
+                                                  total > 0 ? a.AcervoCodigos[total - 1] : 0};
     if (marca == ultimoAcervo) return;
     ultimoAcervo = marca;
     for (long slot = 0; slot < total; ++slot) {
       const int32_t codigo = a.AcervoCodigos[slot];
       if (codigo > 0 && conhecidas.insert(codigo).second)
-        sim.acervo.push_back({codigo, a.AcervoTags(slot, kCampoArtista), a.AcervoTags(slot, kCampoTitle)});
+        sim.acervo.push_back(
+            {codigo, a.AcervoTags(slot, kCampoArtista), a.AcervoTags(slot, kCampoTitle)});
     }
   };
 
@@ -300,7 +303,8 @@ std::optional<Rodada> RodarSimulacao(Contexto& ctx, const fs::path& estacao, con
   };
   auto MudarNivelAte = [&](DataHora ate) {
     if (!p.curva) return;
-    for (DataHora d = p.curva->ProximaMudanca(ambiente.Agora()); d <= ate; d = p.curva->ProximaMudanca(d)) {
+    for (DataHora d = p.curva->ProximaMudanca(ambiente.Agora()); d <= ate;
+         d = p.curva->ProximaMudanca(d)) {
       ambiente.AvancarAte(d);
       const int novo = p.curva->NivelEm(d);
       if (novo == nivel) continue;
@@ -397,7 +401,8 @@ void ExecutarSimular(Contexto& ctx, const OpcoesSimular& op) {
       return Falhar(e.what(), 2);
     }
     if (alternativas->empty())
-      return Falhar(op.regras + ": nenhum conjunto de regras ([conjunto0], [conjunto1], [conjunto2])", 2);
+      return Falhar(
+          op.regras + ": nenhum conjunto de regras ([conjunto0], [conjunto1], [conjunto2])", 2);
   }
   if (op.nivel) {
     p.nivelFixo = *op.nivel;
@@ -416,7 +421,8 @@ void ExecutarSimular(Contexto& ctx, const OpcoesSimular& op) {
   if (!atual) return;
   std::optional<Rodada> outra;
   if (alternativas) {
-    outra = RodarSimulacao(ctx, estacao, p, &*alternativas, "simulando " + fs::path(op.regras).filename().string());
+    outra = RodarSimulacao(ctx, estacao, p, &*alternativas,
+                           "simulando " + fs::path(op.regras).filename().string());
     if (!outra) return;
   }
   const std::string nomeAlternativa = fs::path(op.regras).filename().string();
@@ -465,7 +471,8 @@ void RegistrarSimular(CLI::App& app, Contexto& ctx) {
       ->check(CLI::Range(0, 100));
   cmd->add_option("--relatorio", op->relatorio, "arquivo HTML do relatório (um arquivo só, gráficos em SVG)");
   cmd->add_option("--regras", op->regras,
-                  "TOML de `regras exportar`: simula o mesmo período de novo com estas regras e compara as duas "
+                  "TOML de `regras exportar`: simula o mesmo período de novo com estas regras e "
+                  "compara as duas "
                   "rodadas");
   cmd->add_flag("--json", op->json, "os mesmos números em JSON na saída padrão");
   cmd->callback([&ctx, op] { ExecutarSimular(ctx, *op); });

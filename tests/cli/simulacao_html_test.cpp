@@ -71,13 +71,15 @@ TEST(GraficosSvg, MesComMilharesDeTocadasFicaLeve) {
   Simulacao s = DuasHoras();
   s.fim = SomarSegundos(s.inicio, 720 * 3600);
   s.tocadas.resize(12000, s.tocadas[0]);
-  for (size_t i = 0; i < s.tocadas.size(); ++i) s.tocadas[i].momento = SomarSegundos(s.inicio, i * 216);
+  for (size_t i = 0; i < s.tocadas.size(); ++i)
+    s.tocadas[i].momento = SomarSegundos(s.inicio, i * 216);
   const std::string vibe = GraficoVibe(s);
   EXPECT_EQ(Contar(vibe, "<circle"), 0u);
   EXPECT_EQ(Contar(vibe, "class='faixa'"), 1u);
   EXPECT_LT(vibe.size(), 40000u);
   // Thirty days of hourly bars: no count over each bar, one date mark a day or two.
-  const std::string barras = GraficoPorHora(CalcularFiguras(s, [](const Texto&, const Texto&) { return false; }));
+  const std::string barras =
+      GraficoPorHora(CalcularFiguras(s, [](const Texto&, const Texto&) { return false; }));
   EXPECT_EQ(Contar(barras, "<rect"), 720u);
   EXPECT_LE(Contar(barras, "<text"), 31u);
 }
@@ -109,7 +111,8 @@ TEST(SimulacaoHtml, AlternativaLadoALadoComADiferenca) {
   const Figuras f = CalcularFiguras(s, Igual), g = CalcularFiguras(outra, Igual);
   const Alternativa a{outra, g, "menos <regras>.toml"};
   const std::string html = SimulacaoHtml(s, f, &a);
-  EXPECT_NE(html.find("<tr><th>músicas tocadas</th><td class='n'>3</td><td class='n'>2</td><td class='n'>-1</td>"),
+  EXPECT_NE(html.find("<tr><th>músicas tocadas</th><td class='n'>3</td><td class='n'>2</td><td "
+                      "class='n'>-1</td>"),
             std::string::npos);
   EXPECT_EQ(html.find("<regras>"), std::string::npos);
   EXPECT_EQ(Contar(html, "<th>removeu músicas</th>"), 2u);  // both rules tables

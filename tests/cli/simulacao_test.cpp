@@ -102,7 +102,10 @@ TEST(Figuras, VezesDeCadaMusicaDoAcervoComAsNuncaTocadas) {
 TEST(Figuras, MaisTocadaComOQueSuasSelecoesDeixaram) {
   Dia d;
   const std::pair<int, std::vector<ChaveRegra>> selecoes[] = {
-      {1, {Regra(2, u"02"), Regra(5, u"33")}}, {1, {Regra(5, u"33")}}, {4, {}}, {-1, {Regra(5, u"33")}}};
+      {1, {Regra(2, u"02"), Regra(5, u"33")}},
+      {1, {Regra(5, u"33")}},
+      {4, {}},
+      {-1, {Regra(5, u"33")}}};
   int minuto = 0;
   for (const auto& [restantes, negadas] : selecoes) {
     d.Toca(10, minuto += 3, 7, u"A");
@@ -115,8 +118,10 @@ TEST(Figuras, MaisTocadaComOQueSuasSelecoesDeixaram) {
   const Figuras::MaisTocada& m = f.maisTocadas[0];
   EXPECT_EQ(m.vezes, 4);
   EXPECT_EQ(m.unicaRestante, 2);
-  EXPECT_EQ(m.restantesMediana, 1);  // of 1, 1, 4: a play whose selection was not found does not count
-  EXPECT_EQ(m.negadas, (std::vector<std::pair<ChaveRegra, long>>{{Regra(5, u"33"), 3}, {Regra(2, u"02"), 1}}));
+  EXPECT_EQ(m.restantesMediana,
+            1);  // of 1, 1, 4: a play whose selection was not found does not count
+  EXPECT_EQ(m.negadas,
+            (std::vector<std::pair<ChaveRegra, long>>{{Regra(5, u"33"), 3}, {Regra(2, u"02"), 1}}));
   EXPECT_EQ(f.unicaRestante, 2);
 }
 
@@ -145,7 +150,8 @@ TEST(Figuras, EspacamentoEmMusicasEMinutosComPercentis) {
   EXPECT_FALSE(f.espacoTitulo.minutos);
 
   EXPECT_EQ(Percentil({}, 50), 0);
-  const std::vector<double> vinte{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20};
+  const std::vector<double> vinte{1,  2,  3,  4,  5,  6,  7,  8,  9,  10,
+                                  11, 12, 13, 14, 15, 16, 17, 18, 19, 20};
   EXPECT_EQ(Percentil(vinte, 0), 1);
   EXPECT_EQ(Percentil(vinte, 5), 1);
   EXPECT_EQ(Percentil(vinte, 6), 2);

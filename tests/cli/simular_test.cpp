@@ -115,9 +115,12 @@ TEST(Simular, OutrasRegrasNoMesmoPeriodoERegrasNegadasPorHora) {
   GravarEstacao(estacao);
   // Fifteen artists cannot stay away for three hours at twenty songs an hour: the rule is
   // refused once each has played.
-  estacao.Regra(0, true, "02", "(X1) tocar o mesmo (X2) em um período de (X3) horas", {"Não", "Artista:Geral*", "3"})
+  estacao
+      .Regra(0, true, "02", "(X1) tocar o mesmo (X2) em um período de (X3) horas",
+             {"Não", "Artista:Geral*", "3"})
       .GravarRegras();
-  const teste::ResultadoCli exportadas = RodarCli({"regras", "exportar", "--dir", estacao.Pasta().string()});
+  const teste::ResultadoCli exportadas =
+      RodarCli({"regras", "exportar", "--dir", estacao.Pasta().string()});
   ASSERT_EQ(exportadas.codigo, 0) << exportadas.erros;
   estacao.GravarTexto("mesmas.toml", exportadas.saida);
   std::string meiaHora = exportadas.saida;
@@ -126,8 +129,9 @@ TEST(Simular, OutrasRegrasNoMesmoPeriodoERegrasNegadasPorHora) {
   estacao.GravarTexto("meia_hora.toml", meiaHora);
   auto Rodar = [&](const std::string& toml) {
     const teste::ResultadoCli r =
-        RodarCli({"simular", "--dir", estacao.Pasta().string(), "--inicio", "2026-11-22 22:00", "--horas", "3",
-                  "--nivel", "50", "--seed", "3", "--json", "--regras", estacao.Caminho(toml).string()});
+        RodarCli({"simular", "--dir", estacao.Pasta().string(), "--inicio", "2026-11-22 22:00",
+                  "--horas", "3", "--nivel", "50", "--seed", "3", "--json", "--regras",
+                  estacao.Caminho(toml).string()});
     EXPECT_EQ(r.codigo, 0) << r.erros;
     return nlohmann::json::parse(r.saida);
   };
@@ -148,7 +152,8 @@ TEST(Simular, OutrasRegrasNoMesmoPeriodoERegrasNegadasPorHora) {
     }
   }
   EXPECT_EQ(soma, regra["negada"].get<long>());
-  for (const auto& t : mesmas["sequencia"]) EXPECT_TRUE(t["restantes"] >= 1 && t["restantes"] <= 60) << t;
+  for (const auto& t : mesmas["sequencia"])
+    EXPECT_TRUE(t["restantes"] >= 1 && t["restantes"] <= 60) << t;
 
   const auto outras = Rodar("meia_hora.toml");
   EXPECT_NE(Sequencia(outras["alternativa"]), Sequencia(outras));
