@@ -2,7 +2,10 @@
 // real queue, media hand-over and log stay untouched. The engine runs as it does on air; the
 // stand-in player plays each chosen song to the end of its DuracaoSec (the clock jumps), skips
 // only when asked (--avancar) and logs its plays into the copy's log database; the level comes
-// from --nivel, a daily curve (--curva) or the station's ritmo.rer.
+// from --nivel, a daily curve (--curva) or the station's ritmo.rer. With --regras the same
+// period runs a second time on a fresh copy whose rules come from a TOML text, for comparison.
+#include <unistd.h>
+
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -11,13 +14,14 @@
 #include <cstdlib>
 #include <memory>
 #include <random>
-
-#include <unistd.h>
+#include <unordered_map>
+#include <unordered_set>
 
 #include "base/arquivos.h"
 #include "base/numeros.h"
 #include "cli/curva_nivel.h"
 #include "cli/progresso.h"
+#include "cli/regras_texto.h"
 #include "cli/relatorio.h"
 #include "cli/simulacao.h"
 #include "cli/simulacao_html.h"
@@ -37,7 +41,7 @@ namespace {
 constexpr long kCampoArtista = 0, kCampoTitle = 2;
 
 struct OpcoesSimular {
-  std::string dir, inicio, curva, relatorio;
+  std::string dir, inicio, curva, relatorio, regras;
   int horas = 24;
   std::optional<int> nivel;
   uint32_t semente = 1;
@@ -129,15 +133,26 @@ class InterrupcaoLimpa {
   }
 };
 
-// Adds this selection's rule outcomes, read from its subtree of the rule log.
-void ContarRegras(const Estado& e, const SelecaoFeita& selecao, Simulacao& sim) {
+// What a selection looked like, kept until the song it chose goes on air.
+struct SelecaoVista {
+  int restantes = -1;
+  std::vector<ChaveRegra> negadas;
+};
+
+// Adds this selection's rule outcomes, read from its subtree of the rule log, and returns the
+// songs it left and the rules it refused.
+SelecaoVista ContarRegras(const Estado& e, const SelecaoFeita& selecao, Simulacao& sim) {
+  SelecaoVista vista;
   const NoLog* pai = ProcurarSelecao(e, selecao.chaveLog);
-  if (!pai) return;
+  if (!pai) return vista;
+  const auto hora = static_cast<size_t>(SegundosDoDia(pai->momento) / 3600);
   for (const NoLog& no : pai->filhos) {
+    if (no.tipo == TipoLog::Restantes) vista.restantes = static_cast<int>(no.musicas.size());
     if (no.tipo != TipoLog::Aplicada && no.tipo != TipoLog::Negada && no.tipo != TipoLog::NaoRealizada &&
         no.tipo != TipoLog::Erro)
       continue;
-    ContagemRegra& c = sim.regras[{selecao.conjunto, no.regraNumero, no.id}];
+    const ChaveRegra chave{selecao.conjunto, no.regraNumero, no.id};
+    ContagemRegra& c = sim.regras[chave];
     if (c.numero == 0) {
       c.conjunto = selecao.conjunto;
       c.numero = no.regraNumero;
@@ -150,13 +165,18 @@ void ContarRegras(const Estado& e, const SelecaoFeita& selecao, Simulacao& sim) 
         ++c.aplicada;
         if (!no.musicas.empty()) ++c.removeu;
         break;
-      case TipoLog::Negada: ++c.negada; break;
+      case TipoLog::Negada:
+        ++c.negada;
+        ++c.negadaPorHora[hora];
+        vista.negadas.push_back(chave);
+        break;
       case TipoLog::NaoRealizada: ++c.naoRealizada; break;
       default:
         ++c.erro;
         c.ultimoErro = no.erro;
     }
   }
+  return vista;
 }
 
 std::string Decimal(double v, int casas) {
@@ -179,96 +199,118 @@ void ImprimirResumo(std::ostream& out, const Simulacao& s, const Figuras& f) {
   };
   Caso("artista", f.artista);
   Caso("título", f.titulo);
+  out << "Nunca tocaram: " << f.nuncaTocadas.size()
+      << " músicas; escolhidas como a única restante: " << f.unicaRestante << " tocadas\n";
   for (const std::string& aviso : s.avisos) out << "aviso: " << aviso << "\n";
   for (const auto& [chave, r] : s.regras)
     out << "  conjunto " << r.conjunto << " regra " << r.numero << " (" << ParaUtf8(r.id) << "): " << r.aplicada
         << " aplicada, " << r.negada << " negada, " << r.naoRealizada << " não realizada, " << r.erro << " erro\n";
 }
 
-void ExecutarSimular(Contexto& ctx, const OpcoesSimular& op) {
+// What both runs of a comparison share: the period, the seed, the listener and the level.
+struct Periodo {
+  DataHora inicio, fim;
+  uint32_t semente = 1;
+  int avancar = 0;
+  std::optional<CurvaNivel> curva;
+  int nivelFixo = 50;
+  std::string origemNivel;
+};
+
+struct Rodada {
+  Simulacao sim;
+  Figuras figuras;
+};
+
+// One run on a fresh scratch copy of the station, its rules files replaced by `regras` when
+// given. Nothing when it could not start or was interrupted; the error is then written.
+std::optional<Rodada> RodarSimulacao(Contexto& ctx, const fs::path& estacao, const Periodo& p,
+                                     const std::vector<ConjuntoLido>* regras,
+                                     const std::string& rotulo) {
   const auto relogio = std::chrono::steady_clock::now();
   auto Falhar = [&](const std::string& mensagem, int codigo) {
     ctx.erros << "lumavox-cli: " << mensagem << "\n";
     ctx.codigoSaida = codigo;
+    return std::nullopt;
   };
-  const fs::path estacao = ResolverPastaApp(op.dir);
-  if (!PastaAppValida(ctx, estacao)) return;
-  DataHora inicio = SoData(AgoraLocal());
-  if (!op.inicio.empty()) {
-    auto d = ConverterDataHora(DeUtf8(op.inicio));
-    if (!d) return Falhar("--inicio inválido: " + op.inicio + " (use \"YYYY-MM-DD HH:MM\")", 2);
-    inicio = *d;
-  }
-  std::optional<CurvaNivel> curva;
-  if (!op.curva.empty()) {
-    try {
-      curva = LerCurvaNivel(LerBytes(op.curva), op.curva);
-    } catch (const std::exception& e) {
-      return Falhar(e.what(), 2);
-    }
-  }
-
-  Simulacao sim;
+  Rodada rodada;
+  Simulacao& sim = rodada.sim;
   sim.estacao = estacao.string();
-  sim.inicio = inicio;
-  sim.fim = SomarSegundos(inicio, static_cast<int64_t>(op.horas) * 3600);
-  sim.semente = op.semente;
-  int nivelFixo = 50;
-  if (op.nivel) {
-    nivelFixo = *op.nivel;
-    sim.origemNivel = "fixo em " + std::to_string(nivelFixo);
-  } else if (curva) {
-    sim.origemNivel = "curva " + fs::path(op.curva).filename().string();
-  } else if (auto linha = LerPrimeiraLinha(ArquivosReais(), estacao / "ritmo.rer")) {
-    nivelFixo = std::clamp(static_cast<int>(ArredondarPar(ValorNumerico(*linha))), 0, 100);
-    sim.origemNivel = "fixo em " + std::to_string(nivelFixo) + " (ritmo.rer da estação)";
-  } else {
-    sim.origemNivel = "fixo em 50 (a estação não tem ritmo.rer)";
-  }
-  auto NivelEm = [&](DataHora d) { return curva ? curva->NivelEm(d) : nivelFixo; };
+  sim.inicio = p.inicio;
+  sim.fim = p.fim;
+  sim.semente = p.semente;
+  sim.origemNivel = p.origemNivel;
+  auto NivelEm = [&](DataHora d) { return p.curva ? p.curva->NivelEm(d) : p.nivelFixo; };
 
-  InterrupcaoLimpa interrupcao;
   std::unique_ptr<CopiaDaEstacao> copia;
   try {
     copia = std::make_unique<CopiaDaEstacao>(estacao);
+    if (regras)
+      for (const ConjuntoLido& c : *regras) GravarArquivoRegras(copia->Pasta(), c);
   } catch (const std::exception& e) {
     return Falhar(std::string("cópia da estação: ") + e.what(), 1);
   }
   const fs::path pasta = copia->Pasta();
 
-  AmbienteSimulado ambiente(inicio, op.semente);
+  AmbienteSimulado ambiente(p.inicio, p.semente);
   TocadorSimulado tocador(pasta, true);
-  int nivel = NivelEm(inicio);
+  int nivel = NivelEm(p.inicio);
   tocador.DefinirNivel(nivel);
-  sim.niveis.emplace_back(inicio, nivel);
+  sim.niveis.emplace_back(p.inicio, nivel);
   auto motor = std::make_unique<Motor>(pasta, ambiente);
   InstalarHistorico(*motor);
   motor->Iniciar();
   if (motor->UltimoErro()) sim.avisos.push_back("carga: " + *motor->UltimoErro());
   Estado& e = motor->E();
   // Plays logged after the simulated start sit in the rules' "recent" window all day long.
-  DataHora ultimaTocada = inicio;
-  for (long p = -500; p < 0; ++p)
-    if (e.historico().HistoricoCodigos[p] > 0) ultimaTocada = std::max(ultimaTocada, e.historico().HistoricoDatas[p]);
-  if (ultimaTocada > inicio)
+  DataHora ultimaTocada = p.inicio;
+  for (long i = -500; i < 0; ++i)
+    if (e.historico().HistoricoCodigos[i] > 0)
+      ultimaTocada = std::max(ultimaTocada, e.historico().HistoricoDatas[i]);
+  if (ultimaTocada > p.inicio)
     sim.avisos.push_back("o histórico da estação tem tocadas depois do início simulado (até " +
                          FormatarIso(ultimaTocada) + "); as regras as contam como recentes");
-  std::mt19937 ouvinte(op.semente + 1);
+  std::mt19937 ouvinte(p.semente + 1);
 
+  // The songs of each collection the run loads (a playlist of the schedule may bring its own),
+  // so the report can name those that never played. A collection is known by its size and its
+  // first and last codes: rereading the same one every few checks adds nothing.
+  std::unordered_set<int32_t> conhecidas;
+  std::tuple<int, int32_t, int32_t> ultimoAcervo{-1, 0, 0};
+  auto LembrarAcervo = [&] {
+    const Acervo& a = e.acervo();
+    const int total = a.TotalMusicas;
+    const std::tuple<int, int32_t, int32_t> marca{total, total > 0 ? a.AcervoCodigos[0] : 0,
+                                                  total > 0 ? a.AcervoCodigos[total - 1] : 0};
+    if (marca == ultimoAcervo) return;
+    ultimoAcervo = marca;
+    for (long slot = 0; slot < total; ++slot) {
+      const int32_t codigo = a.AcervoCodigos[slot];
+      if (codigo > 0 && conhecidas.insert(codigo).second)
+        sim.acervo.push_back(
+            {codigo, a.AcervoTags(slot, kCampoArtista), a.AcervoTags(slot, kCampoTitle)});
+    }
+  };
+
+  // Each selection by its queue entry, until the player takes it (a voided entry never plays).
+  std::unordered_map<std::string, SelecaoVista> naFila;
   auto Rodar = [&] {
     const ResultadoExecucao r = motor->TestarRegras();
     // A night playlist may hold fewer songs: the report names the largest collection seen.
     sim.totalMusicas = std::max<int>(sim.totalMusicas, e.acervo().TotalMusicas);
+    LembrarAcervo();
     for (const SelecaoFeita& s : r.selecoes) {
       ++sim.escolhidas;
-      ContarRegras(e, s, sim);
+      SelecaoVista vista = ContarRegras(e, s, sim);
+      if (s.lre) naFila[fs::path(*s.lre).filename().string()] = std::move(vista);
     }
   };
   auto MudarNivelAte = [&](DataHora ate) {
-    if (!curva) return;
-    for (DataHora d = curva->ProximaMudanca(ambiente.Agora()); d <= ate; d = curva->ProximaMudanca(d)) {
+    if (!p.curva) return;
+    for (DataHora d = p.curva->ProximaMudanca(ambiente.Agora()); d <= ate;
+         d = p.curva->ProximaMudanca(d)) {
       ambiente.AvancarAte(d);
-      const int novo = curva->NivelEm(d);
+      const int novo = p.curva->NivelEm(d);
       if (novo == nivel) continue;
       nivel = novo;
       tocador.DefinirNivel(nivel);
@@ -277,7 +319,7 @@ void ExecutarSimular(Contexto& ctx, const OpcoesSimular& op) {
     }
   };
 
-  Progresso progresso(ctx.erros, "simulando");
+  Progresso progresso(ctx.erros, rotulo);
   Rodar();
   int ociosas = 0;
   while (ambiente.Agora() < sim.fim) {
@@ -305,8 +347,13 @@ void ExecutarSimular(Contexto& ctx, const OpcoesSimular& op) {
     t.vibe = e.acervo().AcervoVibe[slot];
     t.artista = e.acervo().AcervoTags(slot, kCampoArtista);
     t.titulo = e.acervo().AcervoTags(slot, kCampoTitle);
+    if (auto it = naFila.find(tocada->nomeFila); it != naFila.end()) {
+      t.restantes = it->second.restantes;
+      t.negadas = std::move(it->second.negadas);
+      naFila.erase(it);
+    }
     const int64_t duracao = DuracaoDaMusica(e, tocada->codigo);
-    t.avancada = op.avancar > 0 && static_cast<int>(ouvinte() % 100) < op.avancar;
+    t.avancada = p.avancar > 0 && static_cast<int>(ouvinte() % 100) < p.avancar;
     sim.tocadas.push_back(std::move(t));
 
     Rodar();  // the queue just lost its head: the engine chooses the next song now
@@ -320,21 +367,94 @@ void ExecutarSimular(Contexto& ctx, const OpcoesSimular& op) {
   }
   sim.segundosDeExecucao =
       std::chrono::duration<double>(std::chrono::steady_clock::now() - relogio).count();
-
-  const Figuras figuras = CalcularFiguras(
+  rodada.figuras = CalcularFiguras(
       sim, [&](const Texto& a, const Texto& b) { return CompararArtistasSemExcecao(e, a, b, 0); });
+  return rodada;
+}
+
+void ExecutarSimular(Contexto& ctx, const OpcoesSimular& op) {
+  auto Falhar = [&](const std::string& mensagem, int codigo) {
+    ctx.erros << "lumavox-cli: " << mensagem << "\n";
+    ctx.codigoSaida = codigo;
+  };
+  const fs::path estacao = ResolverPastaApp(op.dir);
+  if (!PastaAppValida(ctx, estacao)) return;
+  Periodo p;
+  p.inicio = SoData(AgoraLocal());
+  if (!op.inicio.empty()) {
+    auto d = ConverterDataHora(DeUtf8(op.inicio));
+    if (!d) return Falhar("--inicio inválido: " + op.inicio + " (use \"YYYY-MM-DD HH:MM\")", 2);
+    p.inicio = *d;
+  }
+  p.fim = SomarSegundos(p.inicio, static_cast<int64_t>(op.horas) * 3600);
+  p.semente = op.semente;
+  p.avancar = op.avancar;
+  if (!op.curva.empty()) {
+    try {
+      p.curva = LerCurvaNivel(LerBytes(op.curva), op.curva);
+    } catch (const std::exception& e) {
+      return Falhar(e.what(), 2);
+    }
+  }
+  // The other rules are read whole before anything runs, so a bad text costs no simulated day.
+  std::optional<std::vector<ConjuntoLido>> alternativas;
+  if (!op.regras.empty()) {
+    try {
+      alternativas = LerTomlRegras(LerBytes(op.regras), op.regras);
+    } catch (const std::exception& e) {
+      return Falhar(e.what(), 2);
+    }
+    if (alternativas->empty())
+      return Falhar(
+          op.regras + ": nenhum conjunto de regras ([conjunto0], [conjunto1], [conjunto2])", 2);
+  }
+  if (op.nivel) {
+    p.nivelFixo = *op.nivel;
+    p.origemNivel = "fixo em " + std::to_string(p.nivelFixo);
+  } else if (p.curva) {
+    p.origemNivel = "curva " + fs::path(op.curva).filename().string();
+  } else if (auto linha = LerPrimeiraLinha(ArquivosReais(), estacao / "ritmo.rer")) {
+    p.nivelFixo = std::clamp(static_cast<int>(ArredondarPar(ValorNumerico(*linha))), 0, 100);
+    p.origemNivel = "fixo em " + std::to_string(p.nivelFixo) + " (ritmo.rer da estação)";
+  } else {
+    p.origemNivel = "fixo em 50 (a estação não tem ritmo.rer)";
+  }
+
+  InterrupcaoLimpa interrupcao;
+  const std::optional<Rodada> atual = RodarSimulacao(ctx, estacao, p, nullptr, "simulando");
+  if (!atual) return;
+  std::optional<Rodada> outra;
+  if (alternativas) {
+    outra = RodarSimulacao(ctx, estacao, p, &*alternativas,
+                           "simulando " + fs::path(op.regras).filename().string());
+    if (!outra) return;
+  }
+  const std::string nomeAlternativa = fs::path(op.regras).filename().string();
   if (!op.relatorio.empty()) {
     try {
-      EscreverBytes(op.relatorio, SimulacaoHtml(sim, figuras));
+      if (outra) {
+        const Alternativa comparar{outra->sim, outra->figuras, nomeAlternativa};
+        EscreverBytes(op.relatorio, SimulacaoHtml(atual->sim, atual->figuras, &comparar));
+      } else {
+        EscreverBytes(op.relatorio, SimulacaoHtml(atual->sim, atual->figuras));
+      }
     } catch (const std::exception& erro) {
       return Falhar(std::string("relatório: ") + erro.what(), 1);
     }
   }
   if (op.json) {
-    ctx.saida << SimulacaoJson(sim, figuras).dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace)
-              << "\n";
+    nlohmann::ordered_json doc = SimulacaoJson(atual->sim, atual->figuras);
+    if (outra) {
+      doc["alternativa"] = SimulacaoJson(outra->sim, outra->figuras);
+      doc["alternativa"]["regras_de"] = op.regras;
+    }
+    ctx.saida << doc.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << "\n";
   } else {
-    ImprimirResumo(ctx.saida, sim, figuras);
+    ImprimirResumo(ctx.saida, atual->sim, atual->figuras);
+    if (outra) {
+      ctx.saida << "\nCom as regras de " << op.regras << ":\n";
+      ImprimirResumo(ctx.saida, outra->sim, outra->figuras);
+    }
     if (!op.relatorio.empty()) ctx.saida << "Relatório: " << op.relatorio << "\n";
   }
 }
@@ -354,6 +474,10 @@ void RegistrarSimular(CLI::App& app, Contexto& ctx) {
   cmd->add_option("--avancar", op->avancar, "chance, em %, de o ouvinte avançar cada música na metade (0: nunca)")
       ->check(CLI::Range(0, 100));
   cmd->add_option("--relatorio", op->relatorio, "arquivo HTML do relatório (um arquivo só, gráficos em SVG)");
+  cmd->add_option("--regras", op->regras,
+                  "TOML de `regras exportar`: simula o mesmo período de novo com estas regras e "
+                  "compara as duas "
+                  "rodadas");
   cmd->add_flag("--json", op->json, "os mesmos números em JSON na saída padrão");
   cmd->callback([&ctx, op] { ExecutarSimular(ctx, *op); });
 }

@@ -67,6 +67,58 @@ TEST(GraficosSvg, UmPontoPorTocadaEUmaBarraPorHora) {
   EXPECT_NE(barras.find("<title>08:00: 3</title>"), std::string::npos);
 }
 
+TEST(GraficosSvg, MesComMilharesDeTocadasFicaLeve) {
+  Simulacao s = DuasHoras();
+  s.fim = SomarSegundos(s.inicio, 720 * 3600);
+  s.tocadas.resize(12000, s.tocadas[0]);
+  for (size_t i = 0; i < s.tocadas.size(); ++i)
+    s.tocadas[i].momento = SomarSegundos(s.inicio, i * 216);
+  const std::string vibe = GraficoVibe(s);
+  EXPECT_EQ(Contar(vibe, "<circle"), 0u);
+  EXPECT_EQ(Contar(vibe, "class='faixa'"), 1u);
+  EXPECT_LT(vibe.size(), 40000u);
+  // Thirty days of hourly bars: no count over each bar, one date mark a day or two.
+  const std::string barras =
+      GraficoPorHora(CalcularFiguras(s, [](const Texto&, const Texto&) { return false; }));
+  EXPECT_EQ(Contar(barras, "<rect"), 720u);
+  EXPECT_LE(Contar(barras, "<text"), 31u);
+}
+
+TEST(GraficosSvg, MusicaPresaNoArNaoEspremeAsOutrasNaPrimeiraBarra) {
+  Figuras f;
+  f.musicasPorVezes.assign(2264, 0);
+  f.musicasPorVezes[0] = 1238;
+  for (size_t n = 1; n <= 40; ++n) f.musicasPorVezes[n] = 69;
+  f.musicasPorVezes[2263] = 1;
+  const std::string svg = GraficoVezes({{"", &f}});
+  EXPECT_EQ(Contar(svg, "<rect"), 42u);  // 0 to 40 one bar each, then the rest
+  EXPECT_NE(svg.find("<title>1 músicas tocaram ≥ 41 vezes</title>"), std::string::npos);
+}
+
+TEST(GraficosSvg, NegadasNaColunaDaHoraDoDia) {
+  Simulacao s = DuasHoras();
+  s.regras.begin()->second.negadaPorHora[23] = 7;
+  const std::string mapa = GraficoNegadasPorHora(s);
+  EXPECT_EQ(Contar(mapa, "<rect"), 24u);
+  EXPECT_NE(mapa.find("23h: 7 negadas"), std::string::npos);
+}
+
+TEST(SimulacaoHtml, AlternativaLadoALadoComADiferenca) {
+  const Simulacao s = DuasHoras();
+  Simulacao outra = DuasHoras();
+  outra.tocadas.pop_back();
+  auto Igual = [](const Texto& a, const Texto& b) { return a == b; };
+  const Figuras f = CalcularFiguras(s, Igual), g = CalcularFiguras(outra, Igual);
+  const Alternativa a{outra, g, "menos <regras>.toml"};
+  const std::string html = SimulacaoHtml(s, f, &a);
+  EXPECT_NE(html.find("<tr><th>músicas tocadas</th><td class='n'>3</td><td class='n'>2</td><td "
+                      "class='n'>-1</td>"),
+            std::string::npos);
+  EXPECT_EQ(html.find("<regras>"), std::string::npos);
+  EXPECT_EQ(Contar(html, "<th>removeu músicas</th>"), 2u);  // both rules tables
+  EXPECT_EQ(SimulacaoHtml(s, f).find("menos &lt;regras&gt;"), std::string::npos);
+}
+
 TEST(FormatoHtml, EntidadesVirgulaEHora) {
   EXPECT_EQ(EscaparHtml("a<b>&\"c'"), "a&lt;b&gt;&amp;&quot;c'");
   EXPECT_EQ(NumeroComVirgula(7.5), "7,5");

@@ -29,10 +29,17 @@ TEST(SimulacaoJson, ChavesEmOrdemRepeticaoAusenteNulaErroSoQuandoHouve) {
   const nlohmann::ordered_json j = SimulacaoJson(s, f);
   std::vector<std::string> chaves;
   for (const auto& [chave, valor] : j.items()) chaves.push_back(chave);
-  EXPECT_EQ(chaves, (std::vector<std::string>{"estacao", "inicio", "fim", "semente", "nivel", "total_musicas",
-                                              "escolhidas", "tocadas", "avancadas", "segundos_de_execucao",
-                                              "por_hora", "menor_intervalo", "mais_tocadas", "regras", "niveis",
-                                              "sequencia", "avisos"}));
+  EXPECT_EQ(chaves, (std::vector<std::string>{"estacao",       "inicio",
+                                              "fim",           "semente",
+                                              "nivel",         "total_musicas",
+                                              "escolhidas",    "tocadas",
+                                              "avancadas",     "segundos_de_execucao",
+                                              "por_hora",      "menor_intervalo",
+                                              "mais_tocadas",  "regras",
+                                              "niveis",        "sequencia",
+                                              "avisos",        "musicas_por_vezes",
+                                              "nunca_tocadas", "unica_restante",
+                                              "espacamento"}));
   EXPECT_EQ(j["por_hora"][1]["hora"], "2026-03-14 09:00");
   EXPECT_TRUE(j["menor_intervalo"]["artista"]["musicas"].is_null());
   EXPECT_TRUE(j["menor_intervalo"]["artista"]["minutos"].is_null());

@@ -31,6 +31,8 @@ struct Dia {
 
 bool SoIguais(const Texto& a, const Texto& b) { return a == b; }
 
+ChaveRegra Regra(int numero, const char16_t* id) { return {0, numero, id}; }
+
 TEST(Figuras, TocadasContadasNaHoraEmQueComecaram) {
   Dia d;
   d.Toca(10, 0, 1, u"A").Toca(10, 59, 2, u"B", u"", true).Toca(11, 0, 3, u"C").Toca(12, 59, 4, u"D", u"", true);
@@ -84,6 +86,77 @@ TEST(Figuras, MaisTocadasPorVezesEmpatesPorCodigo) {
   EXPECT_EQ(f.maisTocadas[1].codigo, 30);
   EXPECT_EQ(f.maisTocadas[2].codigo, 5);
   EXPECT_EQ(f.maisTocadas[2].vezes, 1);
+}
+
+TEST(Figuras, VezesDeCadaMusicaDoAcervoComAsNuncaTocadas) {
+  Dia d;
+  d.s.acervo = {{40, u"D", u"Quatro"}, {10, u"A", u""}, {30, u"C", u"Três"}, {20, u"B", u""}};
+  d.Toca(10, 0, 10, u"A").Toca(10, 3, 20, u"B").Toca(10, 6, 10, u"A").Toca(10, 9, 10, u"A");
+  const Figuras f = CalcularFiguras(d.s, SoIguais);
+  EXPECT_EQ(f.musicasPorVezes, (std::vector<long>{2, 1, 0, 1}));
+  ASSERT_EQ(f.nuncaTocadas.size(), 2u);
+  EXPECT_EQ(f.nuncaTocadas[0].codigo, 30);  // in code order, named as the collection has them
+  EXPECT_EQ(f.nuncaTocadas[1].titulo, u"Quatro");
+}
+
+TEST(Figuras, MaisTocadaComOQueSuasSelecoesDeixaram) {
+  Dia d;
+  const std::pair<int, std::vector<ChaveRegra>> selecoes[] = {
+      {1, {Regra(2, u"02"), Regra(5, u"33")}},
+      {1, {Regra(5, u"33")}},
+      {4, {}},
+      {-1, {Regra(5, u"33")}}};
+  int minuto = 0;
+  for (const auto& [restantes, negadas] : selecoes) {
+    d.Toca(10, minuto += 3, 7, u"A");
+    d.s.tocadas.back().restantes = restantes;
+    d.s.tocadas.back().negadas = negadas;
+  }
+  d.Toca(10, 30, 8, u"B");
+  const Figuras f = CalcularFiguras(d.s, SoIguais, 1);
+  ASSERT_EQ(f.maisTocadas.size(), 1u);
+  const Figuras::MaisTocada& m = f.maisTocadas[0];
+  EXPECT_EQ(m.vezes, 4);
+  EXPECT_EQ(m.unicaRestante, 2);
+  EXPECT_EQ(m.restantesMediana,
+            1);  // of 1, 1, 4: a play whose selection was not found does not count
+  EXPECT_EQ(m.negadas,
+            (std::vector<std::pair<ChaveRegra, long>>{{Regra(5, u"33"), 3}, {Regra(2, u"02"), 1}}));
+  EXPECT_EQ(f.unicaRestante, 2);
+}
+
+TEST(Figuras, EspacamentoEmMusicasEMinutosComPercentis) {
+  Dia d;
+  // A at 10:00, 10:10, 10:40 and 12:40 with one B between each: gaps of 2 songs and 10, 30 and
+  // 120 minutes; B's gaps 2 songs and 20, 70 minutes. Titles never repeat.
+  d.Toca(10, 0, 1, u"A").Toca(10, 5, 2, u"B").Toca(10, 10, 3, u"A").Toca(10, 25, 4, u"B");
+  d.Toca(10, 40, 5, u"A").Toca(11, 35, 6, u"B").Toca(12, 40, 7, u"A");
+  const Figuras f = CalcularFiguras(d.s, SoIguais);
+  const Espacamento& e = f.espacoArtista;
+  EXPECT_EQ(e.intervalos, 5);
+  ASSERT_TRUE(e.minutos && e.musicas);
+  EXPECT_EQ(e.minutos->minimo, 10);
+  EXPECT_EQ(e.minutos->p5, 10);
+  EXPECT_EQ(e.minutos->p25, 20);  // the 2nd of 10, 20, 30, 70, 120
+  EXPECT_EQ(e.minutos->mediana, 30);
+  EXPECT_EQ(e.musicas->mediana, 2);
+  // 0–15, 15–30, 30–45, 60–90 and 120–180 minutes.
+  EXPECT_EQ(e.histograma, (std::vector<long>{1, 1, 1, 0, 1, 0, 1, 0, 0, 0, 0, 0, 0, 0}));
+  ASSERT_EQ(e.menores.size(), 2u);
+  EXPECT_EQ(e.menores[0].quem, u"A");
+  EXPECT_EQ(e.menores[0].intervalos, 3);
+  EXPECT_EQ(e.menores[1].minutos, 20);
+  EXPECT_EQ(f.espacoTitulo.intervalos, 0);
+  EXPECT_FALSE(f.espacoTitulo.minutos);
+
+  EXPECT_EQ(Percentil({}, 50), 0);
+  const std::vector<double> vinte{1,  2,  3,  4,  5,  6,  7,  8,  9,  10,
+                                  11, 12, 13, 14, 15, 16, 17, 18, 19, 20};
+  EXPECT_EQ(Percentil(vinte, 0), 1);
+  EXPECT_EQ(Percentil(vinte, 5), 1);
+  EXPECT_EQ(Percentil(vinte, 6), 2);
+  EXPECT_EQ(Percentil(vinte, 50), 10);
+  EXPECT_EQ(Percentil(vinte, 100), 20);
 }
 
 }  // namespace

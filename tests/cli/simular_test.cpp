@@ -103,6 +103,64 @@ TEST(Simular, CurvaDeNivelTrocaOConjuntoDeRegras) {
   EXPECT_GT(doc["regras"][1]["nao_realizada"].get<int>(), 0);
 }
 
+// The codes and air times of a run's plays.
+std::vector<std::pair<std::string, int>> Sequencia(const nlohmann::json& doc) {
+  std::vector<std::pair<std::string, int>> s;
+  for (const auto& t : doc["sequencia"]) s.emplace_back(t["momento"], t["codigo"]);
+  return s;
+}
+
+TEST(Simular, OutrasRegrasNoMesmoPeriodoERegrasNegadasPorHora) {
+  EstacaoTeste estacao;
+  GravarEstacao(estacao);
+  // Fifteen artists cannot stay away for three hours at twenty songs an hour: the rule is
+  // refused once each has played.
+  estacao
+      .Regra(0, true, "02", "(X1) tocar o mesmo (X2) em um período de (X3) horas",
+             {"Não", "Artista:Geral*", "3"})
+      .GravarRegras();
+  const teste::ResultadoCli exportadas =
+      RodarCli({"regras", "exportar", "--dir", estacao.Pasta().string()});
+  ASSERT_EQ(exportadas.codigo, 0) << exportadas.erros;
+  estacao.GravarTexto("mesmas.toml", exportadas.saida);
+  std::string meiaHora = exportadas.saida;
+  const std::string tresHoras = "var3 = \"3\"";
+  meiaHora.replace(meiaHora.find(tresHoras), tresHoras.size(), "var3 = \"0,5\"");
+  estacao.GravarTexto("meia_hora.toml", meiaHora);
+  auto Rodar = [&](const std::string& toml) {
+    const teste::ResultadoCli r =
+        RodarCli({"simular", "--dir", estacao.Pasta().string(), "--inicio", "2026-11-22 22:00",
+                  "--horas", "3", "--nivel", "50", "--seed", "3", "--json", "--regras",
+                  estacao.Caminho(toml).string()});
+    EXPECT_EQ(r.codigo, 0) << r.erros;
+    return nlohmann::json::parse(r.saida);
+  };
+
+  const auto mesmas = Rodar("mesmas.toml");
+  ASSERT_TRUE(mesmas.contains("alternativa"));
+  EXPECT_EQ(Sequencia(mesmas["alternativa"]), Sequencia(mesmas));
+  EXPECT_EQ(mesmas["alternativa"]["regras"], mesmas["regras"]);
+  const auto regra = mesmas["regras"][0];
+  ASSERT_GT(regra["negada"].get<int>(), 0);
+  // Refused in the simulated hours of day only, late in the first hour at the earliest.
+  long soma = 0;
+  for (int hora = 0; hora < 24; ++hora) {
+    const long n = regra["negada_por_hora"][static_cast<size_t>(hora)];
+    soma += n;
+    if (hora != 22 && hora != 23 && hora != 0) {
+      EXPECT_EQ(n, 0) << hora;
+    }
+  }
+  EXPECT_EQ(soma, regra["negada"].get<long>());
+  for (const auto& t : mesmas["sequencia"])
+    EXPECT_TRUE(t["restantes"] >= 1 && t["restantes"] <= 60) << t;
+
+  const auto outras = Rodar("meia_hora.toml");
+  EXPECT_NE(Sequencia(outras["alternativa"]), Sequencia(outras));
+  EXPECT_EQ(Sequencia(outras), Sequencia(mesmas));  // the station's own run is the same either way
+  EXPECT_LT(outras["alternativa"]["regras"][0]["negada"].get<int>(), regra["negada"].get<int>());
+}
+
 TEST(Simular, ErrosDeArgumentoEmUmaLinha) {
   EstacaoTeste estacao;
   GravarEstacao(estacao);
@@ -115,13 +173,22 @@ TEST(Simular, ErrosDeArgumentoEmUmaLinha) {
       {"simular", "--dir", dir, "--nivel", "101"},
       {"simular", "--dir", dir, "--inicio", "amanhã"},
       {"simular", "--dir", estacao.Caminho("falta").string()},
+      {"simular", "--dir", dir, "--regras", estacao.Caminho("ruim.txt").string()},
+      {"simular", "--dir", dir, "--regras", estacao.Caminho("vazio.toml").string()},
   };
+  estacao.GravarTexto("vazio.toml", "# nada\n");
   for (const auto& args : casos) {
     const teste::ResultadoCli r = RodarCli(args);
     EXPECT_NE(r.codigo, 0) << args.back();
     EXPECT_EQ(std::count(r.erros.begin(), r.erros.end(), '\n'), 1) << r.erros;
   }
   EXPECT_NE(RodarCli(casos[0]).erros.find("ruim.txt:2"), std::string::npos);
+  // A rules text that does not read stops before the first simulated song.
+  for (size_t i : {5u, 6u}) {
+    const teste::ResultadoCli r = RodarCli(casos[i]);
+    EXPECT_EQ(r.codigo, 2) << r.erros;
+    EXPECT_TRUE(r.saida.empty()) << r.saida;
+  }
   EXPECT_EQ(RodarCli({"simular", "--help"}).codigo, 0);
 }
 
