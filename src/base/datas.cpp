@@ -103,7 +103,30 @@ PartesData Decompor(DataHora d) {
   return p;
 }
 
+namespace {
+
+// "YYYY-MM-DD HH:MM:SS" (or with "T"), the form the log writer stores, read without splitting;
+// nullopt when the text has another shape, and the general reading decides.
+std::optional<std::optional<DataHora>> DataHoraIso(std::u16string_view t) {
+  if (t.size() != 19 || t[4] != u'-' || t[7] != u'-' || (t[10] != u' ' && t[10] != u'T') || t[13] != u':' ||
+      t[16] != u':')
+    return std::nullopt;
+  int v[6];
+  constexpr size_t kInicio[6] = {0, 5, 8, 11, 14, 17}, kTamanho[6] = {4, 2, 2, 2, 2, 2};
+  for (int k = 0; k < 6; ++k) {
+    const std::u16string_view d = t.substr(kInicio[k], kTamanho[k]);
+    for (char16_t c : d)
+      if (c < u'0' || c > u'9') return std::nullopt;
+    v[k] = Inteiro(d);
+  }
+  if (!DataValida(v[0], v[1], v[2]) || v[3] > 23 || v[4] > 59 || v[5] > 59) return std::optional<DataHora>();
+  return std::optional<DataHora>(MontarDataHora(v[0], v[1], v[2], v[3], v[4], v[5]));
+}
+
+}  // namespace
+
 std::optional<DataHora> ConverterDataHora(std::u16string_view t) {
+  if (auto iso = DataHoraIso(t)) return *iso;
   while (!t.empty() && (t.front() == u' ' || t.front() == u'\t')) t.remove_prefix(1);
   while (!t.empty() && (t.back() == u' ' || t.back() == u'\t')) t.remove_suffix(1);
   if (t.empty()) return std::nullopt;

@@ -5,12 +5,16 @@
 #include <unicode/ustring.h>
 #include <unicode/utf16.h>
 
+#include <algorithm>
 #include <memory>
 
 namespace lumavox {
 
 Texto DeUtf8(std::string_view utf8) {
   if (utf8.empty()) return {};
+  // Most texts are plain ASCII (numbers, dates, codes): each byte is then its own code unit.
+  if (std::all_of(utf8.begin(), utf8.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; }))
+    return Texto(utf8.begin(), utf8.end());
   Texto saida(utf8.size(), u'\0');
   int32_t tamanho = 0;
   UErrorCode status = U_ZERO_ERROR;

@@ -1,5 +1,6 @@
 #include "engine/despacho.h"
 
+#include <algorithm>
 #include <string>
 
 #include "base/erro.h"
@@ -47,7 +48,12 @@ Texto AjustarValorVariavel(const Estado& e, std::u16string_view valor) {
 bool AplicarRegra(Estado& e, bool UsarCatalogo, long Indice, int16_t Nivel) {
   Selecao& s = e.selecao;
   const long total = e.acervo().TotalMusicas;
-  for (long i = 0; i < total; ++i) s.MusicaMantida[i] = true;
+  if (total > 0) (void)s.MusicaMantida[total - 1];  // bounds checked once for the loops below
+  // The three passes over the collection run for every rule of every selection: plain loops
+  // over the flags, which the compiler turns into wide ones.
+  Booleano* const mantida = total > 0 ? &s.MusicaMantida.SemVerificar(0) : nullptr;
+  Booleano* const candidata = total > 0 ? &s.MusicaCandidata.SemVerificar(0) : nullptr;
+  std::fill(mantida, mantida + total, Booleano(true));
   s.NaoRealizada = false;
 
   try {
@@ -76,9 +82,9 @@ bool AplicarRegra(Estado& e, bool UsarCatalogo, long Indice, int16_t Nivel) {
 
   if (e.painel) e.painel->Ceder();
 
-  int16_t fora = 0;
-  for (long i = 0; i < total; ++i)
-    if (!(s.MusicaCandidata.SemVerificar(i) && s.MusicaMantida.SemVerificar(i))) ++fora;
+  long mantidas = 0;
+  for (long i = 0; i < total; ++i) mantidas += candidata[i].valor & mantida[i].valor;
+  const auto fora = static_cast<int16_t>(total - mantidas);
 
   if (fora == total) {
     RegistrarLog(e, s.NaoRealizada ? TipoLog::NaoRealizada : TipoLog::Negada, 0, fora);
@@ -87,8 +93,7 @@ bool AplicarRegra(Estado& e, bool UsarCatalogo, long Indice, int16_t Nivel) {
   s.MusicasExcluidas = fora;
   // The entry is written before the removals, so it still sees which candidates the rule took.
   RegistrarLog(e, s.NaoRealizada ? TipoLog::NaoRealizada : TipoLog::Aplicada, 0, fora);
-  for (long i = 0; i < total; ++i)
-    if (!s.MusicaMantida.SemVerificar(i)) s.MusicaCandidata.SemVerificar(i) = false;
+  for (long i = 0; i < total; ++i) candidata[i].valor &= mantida[i].valor;
   return true;
 }
 

@@ -16,9 +16,11 @@ constexpr const char* kEsquema =
     "Tipo INTEGER);"
     "CREATE VIEW IF NOT EXISTS VIEWLogs AS SELECT Tipo, Musica, COUNT(*) AS NReg FROM Logs "
     "GROUP BY Tipo, Musica;"
-    // Each of the engine's three queries picks one entry type; without this they read the whole
-    // table at every load.
-    "CREATE INDEX IF NOT EXISTS LogsTipo ON Logs (Tipo);";
+    // Each of the engine's three queries picks one entry type and reads only what these hold,
+    // in the order it asks for: the latest plays by counter, the other types by song and date.
+    "DROP INDEX IF EXISTS LogsTipo;"
+    "CREATE INDEX IF NOT EXISTS LogsTipoCodigo ON Logs (Tipo, Codigo, Musica, Data);"
+    "CREATE INDEX IF NOT EXISTS LogsTipoMusica ON Logs (Tipo, Musica, Data DESC);";
 
 // The player waits this long for the engine's brief reads instead of failing a write.
 constexpr int kEsperaEscritaMs = 2000;

@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <cstring>
+#include <random>
+
 #include "base/datas.h"
 #include "base/erro.h"
 
@@ -45,6 +49,23 @@ TEST(ConverterDataHora, RecusaTextosInvalidos) {
                             u"10:60", u"22/11", u"22/11/2026/1", u"22-11-2026", u"2026/11/22",
                             u"22/11/2026 abc", u"8:00 22/11/2026", u"13/13/2026", u"0/11/2026"})
     EXPECT_FALSE(ConverterDataHora(t)) << ParaUtf8(t);
+}
+
+// The writer's own form is read by a shortcut; a leading blank sends the same text through the
+// general reading, and both must agree on every date, valid or not.
+TEST(ConverterDataHora, FormaDoGravadorLidaComoPelaLeituraGeral) {
+  std::mt19937 sorte(7);
+  auto numero = [&](int de, int ate) { return std::uniform_int_distribution<int>(de, ate)(sorte); };
+  for (int i = 0; i < 20000; ++i) {
+    char texto[40];
+    std::snprintf(texto, sizeof texto, "%04d-%02d-%02d%c%02d:%02d:%02d", numero(0, 10000) % 10000,
+                  numero(0, 13), numero(0, 32), i % 2 ? 'T' : ' ', numero(0, 24), numero(0, 60), numero(0, 60));
+    const std::u16string t(texto, texto + std::strlen(texto));
+    ASSERT_EQ(ConverterDataHora(t), ConverterDataHora(u" " + t)) << texto;
+  }
+  EXPECT_EQ(Iso(u"2028-02-29 23:59:59"), "2028-02-29 23:59:59");
+  EXPECT_FALSE(ConverterDataHora(u"2026-02-29 10:00:00"));
+  EXPECT_FALSE(ConverterDataHora(u"2026-1a-01 10:00:00"));
 }
 
 TEST(DataHora, DatasAntesDoDiaZeroEPartes) {
