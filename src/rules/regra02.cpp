@@ -43,7 +43,7 @@ void Regra02(Estado& e, double horas) {
   // A full window holds thousands of plays: under the usual comparison mode their values are
   // gathered in a set once, instead of comparing every candidate with every play.
   const bool porConjunto = ValoresOuvidos::Serve(e, campo);
-  ValoresOuvidos ouvidos(porConjunto ? recentes.size() : 0);
+  ValoresOuvidos ouvidos;
   if (porConjunto)
     for (int16_t s : recentes) ouvidos.Adicionar(e, campo, s);
 

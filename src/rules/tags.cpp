@@ -1,5 +1,7 @@
 #include "rules/tags.h"
 
+#include <algorithm>
+
 #include "base/numeros.h"
 #include "state/pedacos.h"
 #include "stores/acervo.h"
@@ -130,29 +132,44 @@ bool ValoresOuvidos::Serve(const Estado& e, int16_t campo) {
          TipoDoCampo(campo) != TipoDivisao::Vibe;
 }
 
-ValoresOuvidos::ValoresOuvidos(size_t musicas) {
-  inteiros_.reserve(musicas);
-  pedacos_.reserve(2 * musicas);
+namespace {
+
+void Marcar(std::vector<uint8_t>& marcas, int32_t numero) {
+  const auto n = static_cast<size_t>(numero);
+  if (n >= marcas.size()) marcas.resize(std::max(2 * marcas.size(), n + 1));
+  marcas[n] = 1;
 }
+
+bool Marcado(const std::vector<uint8_t>& marcas, int32_t numero) {
+  const auto n = static_cast<size_t>(numero);
+  return n < marcas.size() && marcas[n];
+}
+
+}  // namespace
 
 void ValoresOuvidos::Adicionar(Estado& e, int16_t campo, long slot) {
   if (slot >= kUltimoSlot) return;  // the last slot never shares a value
-  const PedacosTexto& p = e.cacheTags.DoSlot(slot, campo, e.acervo().AcervoTags);
+  if (vazio_) {
+    e.cacheTags.ReiniciarNumeracaoSeGrande();
+    inteiros_.assign(e.cacheTags.LimiteNumeros(), 0);
+    pedacos_.assign(e.cacheTags.LimiteNumeros(), 0);
+  }
+  const PedacosTexto& p = e.cacheTags.DoSlotNumerado(slot, campo, e.acervo().AcervoTags);
   if (p.Original().empty()) return;  // two empty values never match, and an empty one has no pieces
-  inteiros_.insert(p.Maiusculo());
+  vazio_ = false;
+  Marcar(inteiros_, p.NumeroInteiro());
   // Every piece of the heard song counts, "POP" included: the exception is for the candidate's.
-  for (const Pedaco& q : p.Pedacos()) pedacos_.insert(p.Vista(q));
+  for (const Pedaco& q : p.Pedacos()) Marcar(pedacos_, q.numeroTexto);
 }
 
 bool ValoresOuvidos::Compartilha(Estado& e, int16_t campo, long slot) const {
-  if (slot >= kUltimoSlot || inteiros_.empty()) return false;
-  const PedacosTexto& p = e.cacheTags.DoSlot(slot, campo, e.acervo().AcervoTags);
+  if (slot >= kUltimoSlot || vazio_) return false;
+  const PedacosTexto& p = e.cacheTags.DoSlotNumerado(slot, campo, e.acervo().AcervoTags);
   if (p.Original().empty()) return false;
-  if (inteiros_.contains(p.Maiusculo())) return true;
+  if (Marcado(inteiros_, p.NumeroInteiro())) return true;
   for (const Pedaco& q : p.Pedacos()) {
-    const std::u16string_view pedaco = p.Vista(q);
-    if (!q.final && pedaco == u"POP") continue;
-    if (pedacos_.contains(pedaco)) return true;
+    if (!q.final && p.Vista(q) == u"POP") continue;
+    if (Marcado(pedacos_, q.numeroTexto)) return true;
   }
   return false;
 }

@@ -6,7 +6,7 @@
 
 #include <cstdint>
 #include <string_view>
-#include <unordered_set>
+#include <vector>
 
 #include "base/texto.h"
 #include "state/estado.h"
@@ -59,14 +59,15 @@ bool MesmoValorTag(Estado& e, int16_t campo, long slotA, long slotB);
 class ValoresOuvidos {
  public:
   static bool Serve(const Estado& e, int16_t campo);
-  explicit ValoresOuvidos(size_t musicas = 0);
   void Adicionar(Estado& e, int16_t campo, long slot);
   // MesmoValorTag(e, campo, slot, s) for some s added.
   bool Compartilha(Estado& e, int16_t campo, long slot) const;
 
  private:
-  std::unordered_set<std::u16string_view> inteiros_;
-  std::unordered_set<std::u16string_view> pedacos_;
+  // Flags by the tag cache's text numbers: the whole values heard, and every piece of them.
+  std::vector<uint8_t> inteiros_;
+  std::vector<uint8_t> pedacos_;
+  bool vazio_ = true;
 };
 
 }  // namespace lumavox

@@ -46,6 +46,7 @@ bool PedacosTexto::MesmoTexto(std::u16string_view texto) const { return Iguais(O
 
 void PedacosTexto::Preparar(std::u16string_view texto, TipoDivisao tipo) {
   tipo_ = tipo;
+  numeroInteiro_ = 0;
   pedacos_.clear();
   Texto maiusculo = Maiusculas(texto);
   tamanhoOriginal_ = static_cast<uint32_t>(texto.size());
@@ -122,8 +123,9 @@ CacheTags& CacheTags::operator=(const CacheTags& outro) {
 }
 
 void CacheTags::Limpar() {
-  slots_.reset();
-  versoes_.reset();
+  for (auto& s : slots_) s.reset();
+  for (auto& v : versoes_) v.reset();
+  numeros_.clear();
   for (MapaTextos& m : textos_) m.clear();
   for (FiltroPreparado& f : filtros_) f = FiltroPreparado();
   ultimoFiltro_ = proximoFiltro_ = 0;
@@ -133,21 +135,53 @@ const PedacosTexto& CacheTags::DoSlot(long slot, int16_t campo, const TagsAcervo
   if (slot < 0 || slot >= kSlots || campo < 0 || campo >= kCampos) {
     static_cast<void>(tags(slot, campo));  // raises the table's own index error
   }
-  if (!slots_) {
-    slots_ = std::make_unique<PedacosTexto[]>(static_cast<size_t>(kSlots * kCampos));
-    versoes_ = std::make_unique<uint64_t[]>(static_cast<size_t>(kSlots * kCampos));  // zeroed
+  std::unique_ptr<PedacosTexto[]>& formas = slots_[static_cast<size_t>(campo)];
+  std::unique_ptr<uint64_t[]>& versoes = versoes_[static_cast<size_t>(campo)];
+  if (!formas) {
+    formas = std::make_unique<PedacosTexto[]>(static_cast<size_t>(kSlots));
+    versoes = std::make_unique<uint64_t[]>(static_cast<size_t>(kSlots));  // zeroed
   }
-  // Field-major, so a loop over the collection for one field walks neighbouring entries.
-  const size_t i = static_cast<size_t>(campo * kSlots + slot);
-  PedacosTexto& p = slots_[i];
+  const auto i = static_cast<size_t>(slot);
+  PedacosTexto& p = formas[i];
   // An entry never prepared is the form of the empty text at version 0, which is right: a table
   // never written holds only empty texts.
-  if (versoes_[i] != tags.Versao()) {
+  if (versoes[i] != tags.Versao()) {
     const Texto& texto = tags(slot, campo);
     if (!p.MesmoTexto(texto)) p.Preparar(texto, TipoDoCampo(campo));
-    versoes_[i] = tags.Versao();
+    versoes[i] = tags.Versao();
   }
   return p;
+}
+
+const PedacosTexto& CacheTags::DoSlotNumerado(long slot, int16_t campo, const TagsAcervo& tags) {
+  auto& p = const_cast<PedacosTexto&>(DoSlot(slot, campo, tags));
+  if (p.numeroInteiro_ == 0) {
+    p.numeroInteiro_ = Numerar(p.Maiusculo());
+    for (Pedaco& q : p.pedacos_) q.numeroTexto = Numerar(p.Vista(q));
+  }
+  return p;
+}
+
+int32_t CacheTags::Numerar(std::u16string_view texto) {
+  auto it = numeros_.find(texto);
+  if (it != numeros_.end()) return it->second;
+  const auto numero = static_cast<int32_t>(numeros_.size() + 1);
+  numeros_.emplace(Texto(texto), numero);
+  return numero;
+}
+
+void CacheTags::ReiniciarNumeracaoSeGrande() {
+  // Every tag of a full collection and its pieces fit many times over.
+  constexpr size_t kLimite = 1 << 20;
+  if (numeros_.size() < kLimite) return;
+  numeros_.clear();
+  for (auto& formas : slots_) {
+    if (!formas) continue;
+    for (long i = 0; i < kSlots; ++i) {
+      formas[static_cast<size_t>(i)].numeroInteiro_ = 0;
+      for (Pedaco& q : formas[static_cast<size_t>(i)].pedacos_) q.numeroTexto = 0;
+    }
+  }
 }
 
 const PedacosTexto& CacheTags::DoTexto(std::u16string_view texto, TipoDivisao tipo) {

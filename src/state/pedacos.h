@@ -28,6 +28,7 @@ struct Pedaco {
   uint32_t inicio = 0;  // position of the upper-cased piece in PedacosTexto's buffer
   uint32_t tamanho = 0;
   bool final = false;  // the trailing piece, after the last separator
+  int32_t numeroTexto = 0;  // CacheTags::DoSlotNumerado's number of the piece's text; 0 until then
   double numero = 0;   // ValorNumerico of the piece; filled for Vibe only
 };
 
@@ -47,6 +48,8 @@ class PedacosTexto {
   std::u16string_view Vista(const Pedaco& p) const { return {dados_.data() + p.inicio, p.tamanho}; }
   const std::vector<Pedaco>& Pedacos() const { return pedacos_; }
   TipoDivisao Tipo() const { return tipo_; }
+  // CacheTags::DoSlotNumerado's number of the whole upper-cased text; 0 until then.
+  int32_t NumeroInteiro() const { return numeroInteiro_; }
 
   // Whether a piece (upper-cased, with its number for Vibe) equals one of this list's pieces:
   // within 0.5 either way, both bounds included, for Vibe; the same upper-case text otherwise.
@@ -55,6 +58,7 @@ class PedacosTexto {
  private:
   void AdicionarPedaco(std::u16string_view texto, size_t inicio, size_t tamanho, bool final,
                        bool alinhado);
+  friend class CacheTags;
 
   // The original text, then its upper-case form, then (only when upper-casing changed the
   // length) the upper-case form of each piece on its own.
@@ -62,6 +66,7 @@ class PedacosTexto {
   uint32_t tamanhoOriginal_ = 0;
   uint32_t tamanhoMaiusculo_ = 0;
   TipoDivisao tipo_ = TipoDivisao::PontoEVirgula;
+  int32_t numeroInteiro_ = 0;
   std::vector<Pedaco> pedacos_;
 };
 
@@ -96,6 +101,16 @@ class CacheTags {
   // as reading the table would.
   const PedacosTexto& DoSlot(long slot, int16_t campo, const TagsAcervo& tags);
 
+  // DoSlot's form with a number for the whole text and for each piece: equal texts get equal
+  // numbers, so sets of values become flags indexed by number. Numbers stay valid until
+  // ReiniciarNumeracaoSeGrande empties the numbering.
+  const PedacosTexto& DoSlotNumerado(long slot, int16_t campo, const TagsAcervo& tags);
+  // One past the highest number given so far.
+  size_t LimiteNumeros() const { return numeros_.size() + 1; }
+  // Keeps a long-running engine whose tags keep changing from growing the numbering forever;
+  // called where no numbers are held.
+  void ReiniciarNumeracaoSeGrande();
+
   // Two arbitrary texts prepared for one split kind; both stay valid until the next call.
   std::pair<const PedacosTexto*, const PedacosTexto*> DoisTextos(std::u16string_view a,
                                                                  std::u16string_view b,
@@ -117,8 +132,13 @@ class CacheTags {
 
   const PedacosTexto& DoTexto(std::u16string_view texto, TipoDivisao tipo);
 
-  std::unique_ptr<PedacosTexto[]> slots_;  // kSlots * kCampos, allocated on first use
-  std::unique_ptr<uint64_t[]> versoes_;    // the table's version each entry was checked at
+  int32_t Numerar(std::u16string_view texto);
+
+  // Per field, kSlots entries allocated when a rule first reads that field: most fields are
+  // never compared, and a one-shot selection should not pay for them.
+  std::array<std::unique_ptr<PedacosTexto[]>, kCampos> slots_;
+  std::array<std::unique_ptr<uint64_t[]>, kCampos> versoes_;  // the table's version each entry was checked at
+  std::unordered_map<Texto, int32_t, HashTexto, std::equal_to<>> numeros_;
   std::array<MapaTextos, kTiposDivisao> textos_;
   std::array<FiltroPreparado, kFiltros> filtros_;
   size_t ultimoFiltro_ = 0;
