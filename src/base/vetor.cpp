@@ -1,11 +1,37 @@
 #include "base/vetor.h"
 
+#include <bit>
+#include <cstring>
+
 namespace lumavox {
 
 void ErroIndice(long indice, long inicio, long fim) {
   throw ErroExecucao(CodigoErro::ForaDoIntervalo,
                      "Subscript out of range: " + std::to_string(indice) + " fora de " +
                          std::to_string(inicio) + ".." + std::to_string(fim));
+}
+
+uint64_t PalavraDeFlags(const Booleano* p) {
+  uint64_t w;
+  std::memcpy(&w, p, sizeof w);
+  return w;
+}
+
+long ContarAmbos(const Booleano* a, const Booleano* b, long n) {
+  long total = 0, i = 0;
+  // Each byte is 0 or 1, so the bits of the AND are the bytes where both are set.
+  for (; i + 8 <= n; i += 8) total += std::popcount(PalavraDeFlags(a + i) & PalavraDeFlags(b + i));
+  for (; i < n; ++i) total += a[i].valor & b[i].valor;
+  return total;
+}
+
+void ManterOnde(Booleano* a, const Booleano* b, long n) {
+  long i = 0;
+  for (; i + 8 <= n; i += 8) {
+    const uint64_t w = PalavraDeFlags(a + i) & PalavraDeFlags(b + i);
+    std::memcpy(static_cast<void*>(a + i), &w, sizeof w);
+  }
+  for (; i < n; ++i) a[i].valor = a[i].valor && b[i].valor;
 }
 
 }  // namespace lumavox

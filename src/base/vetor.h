@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -21,6 +22,17 @@ struct Booleano {
   Booleano(bool v) : valor(v) {}
   operator bool() const { return valor; }
 };
+static_assert(sizeof(Booleano) == 1);
+
+// Word-wide work on runs of flags, for loops that run over the whole collection for every rule:
+// a flag is one byte holding 0 or 1, so eight are combined at once.
+// How many i in [0, n) have both a[i] and b[i].
+long ContarAmbos(const Booleano* a, const Booleano* b, long n);
+// a[i] = a[i] && b[i] for i in [0, n).
+void ManterOnde(Booleano* a, const Booleano* b, long n);
+// Calls usar(i), in order, for each i in [0, n) with a[i] and not b[i].
+template <typename F>
+void ParaCadaSoNoPrimeiro(const Booleano* a, const Booleano* b, long n, F&& usar);
 
 // Indexes run from Inicio to Fim inclusive, like the station's arrays (e.g. -4000..4000).
 template <typename T, long Inicio, long Fim>
@@ -68,6 +80,20 @@ class Matriz {
   }
   std::vector<T> dados_;
 };
+
+uint64_t PalavraDeFlags(const Booleano* p);
+
+template <typename F>
+void ParaCadaSoNoPrimeiro(const Booleano* a, const Booleano* b, long n, F&& usar) {
+  long i = 0;
+  for (; i + 8 <= n; i += 8) {
+    if ((PalavraDeFlags(a + i) & ~PalavraDeFlags(b + i)) == 0) continue;
+    for (long j = i; j < i + 8; ++j)
+      if (a[j] && !b[j]) usar(j);
+  }
+  for (; i < n; ++i)
+    if (a[i] && !b[i]) usar(i);
+}
 
 }  // namespace lumavox
 

@@ -49,8 +49,7 @@ bool AplicarRegra(Estado& e, bool UsarCatalogo, long Indice, int16_t Nivel) {
   Selecao& s = e.selecao;
   const long total = e.acervo().TotalMusicas;
   if (total > 0) (void)s.MusicaMantida[total - 1];  // bounds checked once for the loops below
-  // The three passes over the collection run for every rule of every selection: plain loops
-  // over the flags, which the compiler turns into wide ones.
+  // The three passes over the collection run for every rule of every selection.
   Booleano* const mantida = total > 0 ? &s.MusicaMantida.SemVerificar(0) : nullptr;
   Booleano* const candidata = total > 0 ? &s.MusicaCandidata.SemVerificar(0) : nullptr;
   std::fill(mantida, mantida + total, Booleano(true));
@@ -82,9 +81,7 @@ bool AplicarRegra(Estado& e, bool UsarCatalogo, long Indice, int16_t Nivel) {
 
   if (e.painel) e.painel->Ceder();
 
-  long mantidas = 0;
-  for (long i = 0; i < total; ++i) mantidas += candidata[i].valor & mantida[i].valor;
-  const auto fora = static_cast<int16_t>(total - mantidas);
+  const auto fora = static_cast<int16_t>(total - ContarAmbos(candidata, mantida, total));
 
   if (fora == total) {
     RegistrarLog(e, s.NaoRealizada ? TipoLog::NaoRealizada : TipoLog::Negada, 0, fora);
@@ -93,7 +90,7 @@ bool AplicarRegra(Estado& e, bool UsarCatalogo, long Indice, int16_t Nivel) {
   s.MusicasExcluidas = fora;
   // The entry is written before the removals, so it still sees which candidates the rule took.
   RegistrarLog(e, s.NaoRealizada ? TipoLog::NaoRealizada : TipoLog::Aplicada, 0, fora);
-  for (long i = 0; i < total; ++i) candidata[i].valor &= mantida[i].valor;
+  ManterOnde(candidata, mantida, total);
   return true;
 }
 

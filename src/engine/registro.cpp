@@ -112,9 +112,8 @@ void RegistrarLog(Estado& e, TipoLog tipo, int32_t valor, int16_t contagem, cons
   no.regraNumero = s.RegraNumero;
   no.erro = erro;
   if (tipo == TipoLog::Aplicada) {
-    for (long i = 0; i <= kUltimoSlot; ++i)
-      if (!s.MusicaMantida.SemVerificar(i) && s.MusicaCandidata.SemVerificar(i))
-        no.musicas.push_back({a.AcervoCodigos.SemVerificar(i), static_cast<int16_t>(i)});
+    ParaCadaSoNoPrimeiro(&s.MusicaCandidata.SemVerificar(0), &s.MusicaMantida.SemVerificar(0), kTotalSlots,
+                         [&](long i) { no.musicas.push_back({a.AcervoCodigos.SemVerificar(i), static_cast<int16_t>(i)}); });
   }
   Pai(e).filhos.push_back(std::move(no));
 }

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <random>
+#include <vector>
+
 #include "base/vetor.h"
 
 using namespace lumavox;
@@ -50,4 +53,38 @@ TEST(Vetor, MatrizECuboVerificamCadaIndice) {
   EXPECT_TRUE(ForaDoIntervalo([&] { c(0, 360, 0); }));
   EXPECT_TRUE(ForaDoIntervalo([&] { c(0, 0, 6); }));
   EXPECT_TRUE(ForaDoIntervalo([&] { c(0, -1, 0); }));
+}
+
+// The word-wide helpers against the flag-by-flag loops they replace, on every length around a
+// word's edge and at every offset of a run.
+TEST(Vetor, FlagsPorPalavraComoUmaAUma) {
+  std::mt19937 sorte(3);
+  std::vector<Booleano> a(40), b(40);
+  for (int rodada = 0; rodada < 200; ++rodada) {
+    for (size_t i = 0; i < a.size(); ++i) {
+      a[i] = sorte() % 3 != 0;
+      b[i] = sorte() % 2 != 0;
+    }
+    for (long inicio : {0L, 3L}) {
+      for (long n = 0; n + inicio <= 40; ++n) {
+        const Booleano* pa = a.data() + inicio;
+        const Booleano* pb = b.data() + inicio;
+        long ambos = 0;
+        std::vector<long> so, visto;
+        for (long i = 0; i < n; ++i) {
+          ambos += pa[i] && pb[i];
+          if (pa[i] && !pb[i]) so.push_back(i);
+        }
+        ASSERT_EQ(ContarAmbos(pa, pb, n), ambos);
+        ParaCadaSoNoPrimeiro(pa, pb, n, [&](long i) { visto.push_back(i); });
+        ASSERT_EQ(visto, so);
+        std::vector<Booleano> c(a);
+        ManterOnde(c.data() + inicio, pb, n);
+        for (long i = 0; i < 40; ++i) {
+          const bool dentro = i >= inicio && i < inicio + n;
+          ASSERT_EQ(bool(c[static_cast<size_t>(i)]), dentro ? a[static_cast<size_t>(i)] && pb[i - inicio] : bool(a[static_cast<size_t>(i)]));
+        }
+      }
+    }
+  }
 }
