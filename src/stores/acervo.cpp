@@ -1,5 +1,8 @@
 #include "stores/acervo.h"
 
+#include <string>
+#include <unordered_set>
+
 #include "base/numeros.h"
 #include "stores/codec.h"
 #include "stores/ritmo.h"
@@ -25,6 +28,14 @@ std::string NomeArquivoMusica(int32_t codigo) { return FormatarZeros(codigo, 7) 
 void CarregarColecao(SistemaArquivos& arquivos, Acervo& acervo, const fs::path& pasta,
                      const std::function<void(long slot)>& aposLinha) {
   const fs::path pastaMre = acervo.CaminhoApp / "mre";
+  // One listing of the media folder answers for every song in it; a name it lacks is still
+  // looked up on its own, in case the file came after the listing.
+  std::unordered_set<std::string> midias;
+  try {
+    for (const fs::path& m : arquivos.Listar(pastaMre, ".mre")) midias.insert(m.filename().string());
+  } catch (const std::exception&) {
+    midias.clear();
+  }
   long s = 0;
   int k = 0;
   ParaCadaLinhaCodificada(arquivos, pasta / "lxdb.rdb", [&](Texto&& texto) {
@@ -32,7 +43,7 @@ void CarregarColecao(SistemaArquivos& arquivos, Acervo& acervo, const fs::path& 
       int32_t codigo = TextoParaInteiro32(texto);
       acervo.AcervoCodigos[s] = codigo;
     } else {
-      acervo.AcervoTags.Definir(s, k - 1, std::move(texto));
+      acervo.AcervoTags.Atribuir(s, k - 1, texto);
     }
     if (++k > 32) {
       double vibe = CalcularVibe(acervo, s);
@@ -43,7 +54,7 @@ void CarregarColecao(SistemaArquivos& arquivos, Acervo& acervo, const fs::path& 
       acervo.AcervoArquivos[s] = pastaMre / nome;
       // Only an existing file of exactly that name keeps the song; otherwise the next
       // record takes its slot.
-      if (arquivos.ArquivoExiste(acervo.AcervoArquivos[s])) ++s;
+      if (midias.contains(nome) || arquivos.ArquivoExiste(acervo.AcervoArquivos[s])) ++s;
     }
     if (aposLinha) aposLinha(s);
   });

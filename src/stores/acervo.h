@@ -45,6 +45,11 @@ class TagsAcervo {
     tags_(slot, campo) = std::move(texto);
     versao_ = ++proximaVersao_;
   }
+  // Definir by copy into the room the old text had, for loaders that reuse one buffer.
+  void Atribuir(long slot, long campo, std::u16string_view texto) {
+    tags_(slot, campo).assign(texto);
+    versao_ = ++proximaVersao_;
+  }
   // 0 until the first write: every text is then empty.
   uint64_t Versao() const { return versao_; }
 

@@ -39,12 +39,28 @@ bool Baixo(char16_t c) { return c >= 0xDC00 && c <= 0xDFFF; }
 
 namespace {
 
+// Decodes `linha` into `saida`, which keeps its capacity from line to line.
 template <typename Char>
-Texto Decodificar(std::basic_string_view<Char> linha) {
-  Texto saida;
-  saida.reserve(linha.size() / 5);
+void DecodificarEm(std::basic_string_view<Char> linha, Texto& saida) {
+  saida.clear();
   // 1-based positions 2, 7, 12, ... while p <= length - 1; the last group may be short.
-  for (size_t p = 1; p + 2 <= linha.size(); p += 5) {
+  size_t p = 1;
+  bool substitutos = false;
+  // Whole groups of five plain digits, the form every writer produces, in one tight loop; the
+  // first group of another form and everything after it take the general path below.
+  for (; p + 5 <= linha.size(); p += 5) {
+    const Char* g = linha.data() + p;
+    const auto d0 = static_cast<unsigned>(g[0]) - '0', d1 = static_cast<unsigned>(g[1]) - '0',
+               d2 = static_cast<unsigned>(g[2]) - '0', d3 = static_cast<unsigned>(g[3]) - '0',
+               d4 = static_cast<unsigned>(g[4]) - '0';
+    if (d0 > 9 || d1 > 9 || d2 > 9 || d3 > 9 || d4 > 9) break;
+    const unsigned v = d0 * 10000 + d1 * 1000 + d2 * 100 + d3 * 10 + d4;
+    if (v > 65535) break;
+    substitutos |= v >= 0xD800 && v <= 0xDFFF;
+    saida.push_back(static_cast<char16_t>(v));
+  }
+  if (p + 2 <= linha.size()) substitutos = true;  // the general path does not track them
+  for (; p + 2 <= linha.size(); p += 5) {
     std::basic_string_view<Char> grupo = linha.substr(p, 5);
     double inteiro;
     if (auto direto = GrupoDeDigitos(grupo)) {
@@ -57,6 +73,7 @@ Texto Decodificar(std::basic_string_view<Char> linha) {
     if (!(inteiro >= 0 && inteiro <= 65535)) CodigoInvalido(inteiro);
     saida.push_back(static_cast<char16_t>(inteiro));
   }
+  if (!substitutos) return;
   for (size_t i = 0; i < saida.size(); ++i) {
     if (Alto(saida[i]) && i + 1 < saida.size() && Baixo(saida[i + 1])) {
       ++i;
@@ -64,21 +81,29 @@ Texto Decodificar(std::basic_string_view<Char> linha) {
       CodigoInvalido(saida[i]);
     }
   }
-  return saida;
 }
 
 }  // namespace
 
-Texto DecodificarLinha(std::u16string_view linha) { return Decodificar(linha); }
+Texto DecodificarLinha(std::u16string_view linha) {
+  Texto saida;
+  DecodificarEm(linha, saida);
+  return saida;
+}
 
 void ParaCadaLinhaCodificada(SistemaArquivos& arquivos, const std::filesystem::path& arquivo,
                              const std::function<void(Texto&&)>& usar) {
   const std::string bytes = arquivos.LerBytes(arquivo);
   bool ascii = true;
   for (char c : bytes) ascii &= static_cast<unsigned char>(c) < 0x80;
+  // One buffer for every line: a reader that copies the text (rather than taking it) lets the
+  // next line reuse its room.
+  Texto texto;
   if (!ascii) {
-    for (const Texto& linha : DividirLinhas(DecodificarBytes(bytes)))
-      usar(Decodificar(std::u16string_view(linha)));
+    for (const Texto& linha : DividirLinhas(DecodificarBytes(bytes))) {
+      DecodificarEm(std::u16string_view(linha), texto);
+      usar(std::move(texto));
+    }
     return;
   }
   // Pure ASCII, as every writer makes these files: decode straight from the bytes.
@@ -87,7 +112,8 @@ void ParaCadaLinhaCodificada(SistemaArquivos& arquivos, const std::filesystem::p
     size_t fim = resto.find('\n');
     std::string_view linha = resto.substr(0, fim);
     if (!linha.empty() && linha.back() == '\r') linha.remove_suffix(1);
-    usar(Decodificar(linha));
+    DecodificarEm(linha, texto);
+    usar(std::move(texto));
     if (fim == std::string_view::npos) break;
     resto.remove_prefix(fim + 1);
   }
