@@ -115,35 +115,5 @@ TEST_F(ExecucaoTeste, MusicaForcadaSoValeSeEstiverNoAcervo) {
   EXPECT_EQ(b.E().execucao.MusicaForcada, 0);
 }
 
-TEST_F(ExecucaoTeste, MidiaQueNaoSeGravaNaoEntraNaFilaNemNoHistorico) {
-  Montar(60);
-  motor->TestarRegras();  // start-up run
-  const int16_t tocadas = motor->E().historico().TotalTocadas;
-  fs::remove_all(estacao.Caminho("temp"));
-  estacao.GravarTexto("temp", "um arquivo no lugar da pasta");
-  fs::remove(estacao.Caminho("list") / Fila().front());
-  const ResultadoExecucao r = motor->TestarRegras();
-  ASSERT_EQ(r.selecoes.size(), 1u);  // one failure ends the call
-  EXPECT_FALSE(r.selecoes[0].mrt.has_value());
-  EXPECT_FALSE(r.selecoes[0].lre.has_value());
-  ASSERT_TRUE(r.selecoes[0].erroEntrega.has_value());
-  EXPECT_NE(r.selecoes[0].erroEntrega->find("temp"), std::string::npos) << *r.selecoes[0].erroEntrega;
-  EXPECT_GT(r.proximoIntervaloMs, 1000);
-  EXPECT_EQ(Fila().size(), 1u);
-  EXPECT_EQ(motor->E().historico().TotalTocadas, tocadas);
-  const NoLog& ultima = motor->E().log.Selecoes().back();
-  ASSERT_FALSE(ultima.filhos.empty());
-  EXPECT_EQ(ultima.filhos.back().tipo, TipoLog::EntregaFalhou);
-
-  // The folder is back: the next call fills the queue and the songs join the history.
-  fs::remove(estacao.Caminho("temp"));
-  const ResultadoExecucao depois = motor->TestarRegras();
-  ASSERT_EQ(depois.selecoes.size(), 1u);
-  EXPECT_TRUE(depois.selecoes[0].mrt.has_value());
-  EXPECT_FALSE(depois.selecoes[0].erroEntrega.has_value());
-  EXPECT_EQ(Fila().size(), 2u);
-  EXPECT_EQ(motor->E().historico().TotalTocadas, tocadas + 1);
-}
-
 }  // namespace
 }  // namespace lumavox

@@ -104,15 +104,21 @@ class Falhas : public ::testing::Test {
 TEST_F(Falhas, RitmoAusenteVazioOuIlegivelMantemONivel) {
   Montar();
   ASSERT_EQ(motor->TestarRegras().selecoes.size(), 2u);
-  for (const char* falha : {"ausente", "vazio"}) {
-    if (std::string(falha) == "ausente") fs::remove(estacao.Caminho("ritmo.rer"));
-    else estacao.GravarTexto("ritmo.rer", "");
+  // Gone, empty, or another level the engine may not read: the level stays.
+  for (const std::string falha : {"ausente", "vazio", "sem permissão"}) {
+    if (falha == "ausente") fs::remove(estacao.Caminho("ritmo.rer"));
+    if (falha == "vazio") estacao.GravarTexto("ritmo.rer", "");
+    if (falha == "sem permissão") {
+      estacao.GravarTexto("ritmo.rer", "80\r\n");
+      arquivos.NegarLeitura(estacao.Caminho("ritmo.rer"));
+    }
     Tocar();
     const ResultadoExecucao r = motor->TestarRegras();
     ASSERT_EQ(r.selecoes.size(), 1u) << falha;
     EXPECT_EQ(r.selecoes[0].nivel, 50) << falha;
     EXPECT_EQ(motor->E().execucao.Tentativas, 100) << falha;
   }
+  arquivos.Permitir();
 
   // Not a number is level 0: the queue is chosen again, all at the new level.
   estacao.GravarTexto("ritmo.rer", "rápido\r\n");
@@ -134,20 +140,6 @@ TEST_F(Falhas, RitmoAusenteVazioOuIlegivelMantemONivel) {
     EXPECT_EQ(Fila().size(), 2u);
     EXPECT_EQ(Midias(), 2u);
   }
-  ConferirPreservados({"ritmo.rer"});
-}
-
-TEST_F(Falhas, RitmoSemPermissaoDeLeitura) {
-  Montar();
-  motor->TestarRegras();
-  // The player asks for another level, but the engine may not read it: the level stays.
-  estacao.GravarTexto("ritmo.rer", "80\r\n");
-  arquivos.NegarLeitura(estacao.Caminho("ritmo.rer"));
-  Tocar();
-  const ResultadoExecucao r = motor->TestarRegras();
-  ASSERT_EQ(r.selecoes.size(), 1u);
-  EXPECT_EQ(r.selecoes[0].nivel, 50);
-  EXPECT_EQ(motor->E().execucao.Tentativas, 100);
   ConferirPreservados({"ritmo.rer"});
 }
 
@@ -271,6 +263,7 @@ TEST_F(Falhas, DiscoCheioNaoDeixaNadaPelaMetadeEVoltaSozinho) {
     EXPECT_FALSE(r.selecoes[0].mrt || r.selecoes[0].lre) << espaco;
     EXPECT_EQ(Entregues(), antes) << espaco;
     EXPECT_EQ(motor->E().historico().TotalTocadas, tocadas) << espaco;
+    EXPECT_EQ(motor->E().log.Selecoes().back().filhos.back().tipo, TipoLog::EntregaFalhou) << espaco;
     // Still full: the next calls fail the same way and leave nothing either.
     motor->TestarRegras();
     EXPECT_EQ(Entregues(), antes) << espaco;
