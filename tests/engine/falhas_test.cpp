@@ -193,25 +193,19 @@ TEST_F(Falhas, PastasDeEntregaRemovidasOuInutilizaveis) {
 TEST_F(Falhas, MidiaApagadaEntreACargaEACopia) {
   Montar();
   motor->TestarRegras();
+  // Gone before the run, or seen by it and gone before it is read: queued without media, no error.
   fs::remove(estacao.Caminho("mre/0000007.mre"));
-  Tocar();
-  motor->E().execucao.MusicaForcada = 7;
-  const ResultadoExecucao r = motor->TestarRegras();
-  ASSERT_EQ(r.selecoes.size(), 1u);
-  EXPECT_EQ(r.selecoes[0].escolhida, 7);
-  EXPECT_FALSE(r.selecoes[0].mrt.has_value());
-  EXPECT_TRUE(r.selecoes[0].lre.has_value());
-
-  // Seen by the run, gone before it is read: the same, and no error either.
-  Tocar();
-  arquivos.SumirDepoisDeVisto(estacao.Caminho("mre/0000008.mre"));
-  motor->E().execucao.MusicaForcada = 8;
-  const ResultadoExecucao sumiu = motor->TestarRegras();
-  ASSERT_EQ(sumiu.selecoes.size(), 1u);
-  EXPECT_EQ(sumiu.selecoes[0].escolhida, 8);
-  EXPECT_FALSE(sumiu.selecoes[0].mrt.has_value());
-  EXPECT_TRUE(sumiu.selecoes[0].lre.has_value());
-  EXPECT_FALSE(sumiu.selecoes[0].erroEntrega.has_value());
+  for (const int32_t codigo : {7, 8}) {
+    Tocar();
+    if (codigo == 8) arquivos.SumirDepoisDeVisto(estacao.Caminho("mre/0000008.mre"));
+    motor->E().execucao.MusicaForcada = codigo;
+    const ResultadoExecucao r = motor->TestarRegras();
+    ASSERT_EQ(r.selecoes.size(), 1u);
+    EXPECT_EQ(r.selecoes[0].escolhida, codigo);
+    EXPECT_FALSE(r.selecoes[0].mrt.has_value());
+    EXPECT_TRUE(r.selecoes[0].lre.has_value());
+    EXPECT_FALSE(r.selecoes[0].erroEntrega.has_value());
+  }
 
   // The next load drops the song: forcing it then leaves the draw alone.
   TocarAteRecarregar();
@@ -376,9 +370,7 @@ TEST_F(Falhas, RelogioVoltaUmaHoraEPassaDaMeiaNoite) {
   const Passo passos[] = {
       {MontarDataHora(2026, 11, 22, 23, 59, 30), false},
       {MontarDataHora(2026, 11, 23, 0, 0, 30), true},    // past midnight: the night playlist
-      {MontarDataHora(2026, 11, 23, 0, 40, 0), true},
       {MontarDataHora(2026, 11, 22, 23, 40, 0), false},  // back an hour, to the day before
-      {MontarDataHora(2026, 11, 22, 23, 10, 0), false},
       {MontarDataHora(2026, 11, 23, 0, 10, 0), true},
   };
   for (const Passo& p : passos) {
