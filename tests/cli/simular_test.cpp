@@ -27,21 +27,12 @@ void GravarEstacao(EstacaoTeste& estacao) {
   estacao.GravarAcervo();
 }
 
-// Every file of the folder with its bytes.
-std::map<std::string, std::string> Conteudo(const EstacaoTeste& estacao) {
-  std::map<std::string, std::string> arquivos;
-  for (const auto& e : fs::recursive_directory_iterator(estacao.Pasta()))
-    arquivos[fs::relative(e.path(), estacao.Pasta()).string()] =
-        e.is_regular_file() ? estacao.Ler(fs::relative(e.path(), estacao.Pasta()).string()) : "<pasta>";
-  return arquivos;
-}
-
 TEST(Simular, UmaHoraComArtistaProibidoPorMeiaHora) {
   EstacaoTeste estacao, saida;
   GravarEstacao(estacao);
   estacao.Regra(0, true, "02", "(X1) tocar o mesmo (X2) em um período de (X3) horas", {"Não", "Artista:Geral*", "0,5"})
       .GravarRegras();
-  const auto antes = Conteudo(estacao);
+  const auto antes = estacao.Conteudo();
   const std::string relatorio = saida.Caminho("dia.html").string();
   const std::vector<std::string> args{"simular", "--dir", estacao.Pasta().string(), "--inicio", "2026-11-22 10:00",
                                       "--horas", "1", "--nivel", "50", "--seed", "7", "--json", "--relatorio", relatorio};
@@ -61,7 +52,7 @@ TEST(Simular, UmaHoraComArtistaProibidoPorMeiaHora) {
   EXPECT_EQ(regra["removeu"].get<int>(), doc["escolhidas"].get<int>() - 1);  // all but the very first choice
 
   // The station's own folder is exactly as it was: no queue, no media hand-over, no log.
-  EXPECT_EQ(Conteudo(estacao), antes);
+  EXPECT_EQ(estacao.Conteudo(), antes);
 
   const std::string html = saida.Ler("dia.html");
   EXPECT_EQ(html.rfind("<!DOCTYPE html>", 0), 0u);

@@ -22,12 +22,7 @@ class ExecucaoTeste : public ::testing::Test {
     motor = std::make_unique<Motor>(estacao.Pasta(), ambiente);
     motor->Iniciar();
   }
-  std::vector<std::string> Fila() {
-    std::vector<std::string> nomes;
-    for (const auto& p : ListarArquivos(ArquivosReais(), estacao.Caminho("list"), ".lre"))
-      nomes.push_back(p.filename().string());
-    return nomes;
-  }
+  std::vector<std::string> Fila() const { return estacao.Nomes("list", ".lre"); }
   EstacaoTeste estacao;
   AmbienteFixo ambiente{MontarDataHora(2026, 11, 22, 10, 0, 0), 5};
   std::unique_ptr<Motor> motor;
@@ -88,7 +83,7 @@ TEST_F(ExecucaoTeste, AvancoAnulaAFilaEMudancaDeNivelTrocaAsEntregasAntigas) {
   ASSERT_EQ(r.selecoes.size(), 2u);
   EXPECT_EQ(r.selecoes[0].conjunto, 2);
   // The replaced and voided entries' media went with them; the one being played stays.
-  EXPECT_EQ(ListarArquivos(ArquivosReais(), estacao.Caminho("temp"), ".mrt").size(), 3u);
+  EXPECT_EQ(estacao.Nomes("temp", ".mrt").size(), 3u);
 }
 
 TEST_F(ExecucaoTeste, CinquentaMusicasEsperamECinquentaEUmaEscolhem) {

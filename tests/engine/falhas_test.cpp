@@ -42,12 +42,7 @@ class Falhas : public ::testing::Test {
     preservados = Preservados();
   }
 
-  std::vector<std::string> Fila() const {
-    std::vector<std::string> nomes;
-    for (const auto& p : ListarArquivos(ArquivosReais(), estacao.Caminho("list"), ".lre"))
-      nomes.push_back(p.filename().string());
-    return nomes;
-  }
+  std::vector<std::string> Fila() const { return estacao.Nomes("list", ".lre"); }
   // The player takes the first queue entry and its media.
   void Tocar() {
     const std::vector<std::string> fila = Fila();
@@ -62,20 +57,17 @@ class Falhas : public ::testing::Test {
       motor->TestarRegras();
     }
   }
-  size_t Midias() const { return ListarArquivos(ArquivosReais(), estacao.Caminho("temp"), ".mrt").size(); }
+  size_t Midias() const { return estacao.Nomes("temp", ".mrt").size(); }
 
   // Every file of the station the run has no business deleting, with its bytes.
   std::map<std::string, std::string> Preservados() const {
-    std::map<std::string, std::string> bytes;
-    for (const auto& item : fs::recursive_directory_iterator(estacao.Pasta())) {
-      if (!item.is_regular_file()) continue;
-      const std::string nome = fs::relative(item.path(), estacao.Pasta()).generic_string();
-      if (nome.starts_with("list/") || nome.starts_with("temp/") || nome == "avancar.rer" || nome == "nreg.rer")
-        continue;
+    std::map<std::string, std::string> bytes = estacao.Conteudo();
+    std::erase_if(bytes, [](const auto& item) {
+      const std::string& nome = item.first;
       // SQLite's own companions of a database in write-ahead mode come and go with its connections.
-      if (nome.ends_with("-wal") || nome.ends_with("-shm")) continue;
-      bytes[nome] = estacao.Ler(nome);
-    }
+      return nome.starts_with("list/") || nome.starts_with("temp/") || nome == "avancar.rer" || nome == "nreg.rer" ||
+             nome.ends_with("-wal") || nome.ends_with("-shm");
+    });
     return bytes;
   }
   // The files the run must leave alone are all still there, unchanged, but for those the test
@@ -223,20 +215,14 @@ TEST_F(Falhas, DiscoCheioNaoDeixaNadaPelaMetadeEVoltaSozinho) {
   Montar();
   motor->TestarRegras();
   // Every file in list/ and temp/: a failed hand-over must leave nothing behind.
-  auto Entregues = [&] {
-    std::set<std::string> nomes;
-    for (const char* pasta : {"list", "temp"})
-      for (const auto& item : fs::directory_iterator(estacao.Caminho(pasta)))
-        nomes.insert(std::string(pasta) + "/" + item.path().filename().string());
-    return nomes;
-  };
+  auto Entregues = [&] { return std::pair(estacao.Nomes("list"), estacao.Nomes("temp")); };
   const size_t bytesMidia = estacao.Ler("mre/0000007.mre").size();
   ASSERT_GT(bytesMidia, 2u);
 
   // Full while the media is written, then with room for the media but not its queue entry.
   for (const uint64_t espaco : {uint64_t{2}, uint64_t{bytesMidia + 1}}) {
     Tocar();
-    const std::set<std::string> antes = Entregues();
+    const auto antes = Entregues();
     const int16_t tocadas = motor->E().historico().TotalTocadas;
     arquivos.EncherDiscoApos(espaco);
     motor->E().execucao.MusicaForcada = 7;
