@@ -92,8 +92,10 @@ std::vector<std::string> EstacaoTeste::Nomes(std::string_view subpasta, std::str
 
 std::map<std::string, std::string> EstacaoTeste::Conteudo() const {
   std::map<std::string, std::string> arquivos;
-  for (const auto& item : fs::recursive_directory_iterator(pasta_))
-    if (item.is_regular_file()) arquivos[fs::relative(item.path(), pasta_).generic_string()] = Ler(fs::relative(item.path(), pasta_).string());
+  for (const auto& item : fs::recursive_directory_iterator(pasta_)) {
+    const fs::path relativo = fs::relative(item.path(), pasta_);
+    if (item.is_regular_file()) arquivos[relativo.generic_string()] = Ler(relativo.string());
+  }
   return arquivos;
 }
 

@@ -149,7 +149,8 @@ TEST(Figuras, EspacamentoEmMusicasEMinutosComPercentis) {
   EXPECT_EQ(Percentil({}, 50), 0);
   std::vector<double> vinte(20);
   for (size_t i = 0; i < vinte.size(); ++i) vinte[i] = static_cast<double>(i + 1);
-  for (auto [p, valor] : {std::pair{0, 1}, {5, 1}, {6, 2}, {50, 10}, {100, 20}}) EXPECT_EQ(Percentil(vinte, p), valor) << p;
+  for (auto [p, valor] : {std::pair{0, 1}, {5, 1}, {6, 2}, {50, 10}, {100, 20}})
+    EXPECT_EQ(Percentil(vinte, p), valor) << p;
 }
 
 // What the JSON report leaves out or writes as null: a repeat that never happened, an error
