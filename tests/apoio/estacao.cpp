@@ -1,5 +1,6 @@
 #include "apoio/estacao.h"
 
+#include <algorithm>
 #include <fstream>
 #include <random>
 #include <stdexcept>
@@ -78,6 +79,24 @@ std::string EstacaoTeste::Ler(std::string_view relativo) const {
   std::ifstream entrada(Caminho(relativo), std::ios::binary);
   if (!entrada) throw std::runtime_error("não leu " + std::string(relativo));
   return {std::istreambuf_iterator<char>(entrada), std::istreambuf_iterator<char>()};
+}
+
+std::vector<std::string> EstacaoTeste::Nomes(std::string_view subpasta, std::string_view terminacao) const {
+  std::vector<std::string> nomes;
+  std::error_code ec;
+  for (const auto& item : fs::directory_iterator(Caminho(subpasta), ec))
+    if (item.path().filename().string().ends_with(terminacao)) nomes.push_back(item.path().filename().string());
+  std::sort(nomes.begin(), nomes.end());
+  return nomes;
+}
+
+std::map<std::string, std::string> EstacaoTeste::Conteudo() const {
+  std::map<std::string, std::string> arquivos;
+  for (const auto& item : fs::recursive_directory_iterator(pasta_)) {
+    const fs::path relativo = fs::relative(item.path(), pasta_);
+    if (item.is_regular_file()) arquivos[relativo.generic_string()] = Ler(relativo.string());
+  }
+  return arquivos;
 }
 
 std::string EstacaoTeste::Codificada(std::string_view utf8) { return ParaUtf8(CodificarLinha(DeUtf8(utf8))); }

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <functional>
 #include <initializer_list>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -52,6 +53,10 @@ class EstacaoTeste {
   void GravarTexto(std::string_view relativo, std::string_view bytes);
   std::string Ler(std::string_view relativo) const;
   bool Existe(std::string_view relativo) const { return fs::exists(Caminho(relativo)); }
+  // Names of a subfolder's files that end in `terminacao`, sorted (none when it is missing).
+  std::vector<std::string> Nomes(std::string_view subpasta, std::string_view terminacao = "") const;
+  // Every file of the station by its relative path, with its bytes.
+  std::map<std::string, std::string> Conteudo() const;
 
   // A UTF-8 text as one encoded line of the collection and rules files, without its line end.
   static std::string Codificada(std::string_view utf8);

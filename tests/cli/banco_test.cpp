@@ -2,7 +2,6 @@
 #include <sqlite3.h>
 
 #include <algorithm>
-#include <functional>
 #include <map>
 #include <sstream>
 #include <string>
@@ -59,14 +58,6 @@ class BancoConverter : public ::testing::Test {
                  const std::vector<ColunaJet>& colunas = kColunasLogs) {
     teste::GravarJet(estacao.Caminho(kArquivoLogsMdb), "Logs", colunas, logs);
   }
-  // Each file of the folder with a digest of its bytes.
-  std::map<std::string, size_t> Arquivos() const {
-    std::map<std::string, size_t> arquivos;
-    for (const auto& e : fs::directory_iterator(estacao.Pasta()))
-      arquivos[e.path().filename().string()] =
-          std::hash<std::string>{}(estacao.Ler(e.path().filename().string()));
-    return arquivos;
-  }
   // What a fresh engine state loads from the folder as its history, written out whole.
   std::string Historico() const {
     teste::EstadoTeste estado;
@@ -120,7 +111,7 @@ TEST_F(BancoConverter, LevaCadaRegistroEOMotorCarregaOMesmoHistorico) {
   EXPECT_EQ(r.saida,
             "convertido: 649 registros de lumavox.mdb para lumavox.db; o original ficou em "
             "lumavox.mdb.convertido\n");
-  EXPECT_EQ(Arquivos().size(), 2u);
+  EXPECT_EQ(estacao.Conteudo().size(), 2u);
   EXPECT_TRUE(estacao.Existe("lumavox.mdb.convertido"));
   EXPECT_EQ(ContarRegistrosLogs(estacao.Caminho(kArquivoLogsSqlite)), 649);
   EXPECT_EQ(Historico(), antes);
@@ -144,13 +135,13 @@ TEST_F(BancoConverter, EncheBancoVazioEGuardaOOriginalSemApagarConversaoAnterior
 // Each refusal is one line on stderr and leaves the folder as it was, file for file.
 TEST_F(BancoConverter, RecusasNaoMudamNadaNaPasta) {
   auto Recusa = [&](const std::string& motivo) {
-    const auto antes = Arquivos();
+    const auto antes = estacao.Conteudo();
     const auto r = Converter();
     EXPECT_EQ(r.codigo, 1) << motivo;
     EXPECT_EQ(r.erros.rfind("erro: ", 0), 0u) << r.erros;
     EXPECT_NE(r.erros.find(motivo), std::string::npos) << r.erros;
     EXPECT_EQ(std::count(r.erros.begin(), r.erros.end(), '\n'), 1) << r.erros;
-    EXPECT_EQ(Arquivos(), antes) << motivo;
+    EXPECT_EQ(estacao.Conteudo(), antes) << motivo;
     for (const auto& e : fs::directory_iterator(estacao.Pasta())) fs::remove(e.path());
   };
   Recusa("não há lumavox.mdb");

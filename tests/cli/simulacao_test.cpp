@@ -3,6 +3,7 @@
 #include <string>
 
 #include "cli/simulacao.h"
+#include "cli/simulacao_json.h"
 
 namespace lumavox::cli {
 namespace {
@@ -38,9 +39,7 @@ TEST(Figuras, TocadasContadasNaHoraEmQueComecaram) {
   d.Toca(10, 0, 1, u"A").Toca(10, 59, 2, u"B", u"", true).Toca(11, 0, 3, u"C").Toca(12, 59, 4, u"D", u"", true);
   const Figuras f = CalcularFiguras(d.s, SoIguais);
   ASSERT_EQ(f.porHora.size(), 3u);
-  EXPECT_EQ(f.porHora[0], std::make_pair(As(10, 0), 2L));
-  EXPECT_EQ(f.porHora[1], std::make_pair(As(11, 0), 1L));
-  EXPECT_EQ(f.porHora[2], std::make_pair(As(12, 0), 1L));
+  EXPECT_EQ(f.porHora, (std::vector<std::pair<DataHora, long>>{{As(10, 0), 2}, {As(11, 0), 1}, {As(12, 0), 1}}));
   EXPECT_EQ(f.avancadas, 2);
 }
 
@@ -118,10 +117,8 @@ TEST(Figuras, MaisTocadaComOQueSuasSelecoesDeixaram) {
   const Figuras::MaisTocada& m = f.maisTocadas[0];
   EXPECT_EQ(m.vezes, 4);
   EXPECT_EQ(m.unicaRestante, 2);
-  EXPECT_EQ(m.restantesMediana,
-            1);  // of 1, 1, 4: a play whose selection was not found does not count
-  EXPECT_EQ(m.negadas,
-            (std::vector<std::pair<ChaveRegra, long>>{{Regra(5, u"33"), 3}, {Regra(2, u"02"), 1}}));
+  EXPECT_EQ(m.restantesMediana, 1);  // of 1, 1, 4: a play whose selection was not found does not count
+  EXPECT_EQ(m.negadas, (std::vector<std::pair<ChaveRegra, long>>{{Regra(5, u"33"), 3}, {Regra(2, u"02"), 1}}));
   EXPECT_EQ(f.unicaRestante, 2);
 }
 
@@ -150,13 +147,25 @@ TEST(Figuras, EspacamentoEmMusicasEMinutosComPercentis) {
   EXPECT_FALSE(f.espacoTitulo.minutos);
 
   EXPECT_EQ(Percentil({}, 50), 0);
-  const std::vector<double> vinte{1,  2,  3,  4,  5,  6,  7,  8,  9,  10,
-                                  11, 12, 13, 14, 15, 16, 17, 18, 19, 20};
-  EXPECT_EQ(Percentil(vinte, 0), 1);
-  EXPECT_EQ(Percentil(vinte, 5), 1);
-  EXPECT_EQ(Percentil(vinte, 6), 2);
-  EXPECT_EQ(Percentil(vinte, 50), 10);
-  EXPECT_EQ(Percentil(vinte, 100), 20);
+  std::vector<double> vinte(20);
+  for (size_t i = 0; i < vinte.size(); ++i) vinte[i] = static_cast<double>(i + 1);
+  for (auto [p, valor] : {std::pair{0, 1}, {5, 1}, {6, 2}, {50, 10}, {100, 20}})
+    EXPECT_EQ(Percentil(vinte, p), valor) << p;
+}
+
+// What the JSON report leaves out or writes as null: a repeat that never happened, an error
+// only when a rule had one.
+TEST(SimulacaoJson, RepeticaoAusenteNulaErroSoQuandoHouve) {
+  Dia d;
+  d.Toca(8, 0, 100, u"A", u"Canção").Toca(8, 30, 101, u"B", u"Canção");
+  d.s.regras[{0, 1, u"01"}] = {0, 1, u"01", u"", 3, 1, 0, 0, 0, ""};
+  d.s.regras[{0, 2, u"15"}] = {0, 2, u"15", u"", 0, 0, 0, 0, 2, "Erro 6: estouro"};
+  const nlohmann::ordered_json j = SimulacaoJson(d.s, CalcularFiguras(d.s, SoIguais));
+  EXPECT_TRUE(j["menor_intervalo"]["artista"]["musicas"].is_null());
+  EXPECT_EQ(j["menor_intervalo"]["titulo"]["minutos"]["valor"], 30.0);
+  EXPECT_EQ(j["menor_intervalo"]["titulo"]["minutos"]["quem"], "Canção");
+  EXPECT_FALSE(j["regras"][0].contains("ultimo_erro"));
+  EXPECT_EQ(j["regras"][1]["ultimo_erro"], "Erro 6: estouro");
 }
 
 }  // namespace

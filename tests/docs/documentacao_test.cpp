@@ -8,12 +8,11 @@
 #include <map>
 #include <regex>
 #include <set>
-#include <sstream>
 #include <string>
 #include <vector>
 
+#include "apoio/linha_comando.h"
 #include "base/texto.h"
-#include "cli/comandos.h"
 #include "rules/descricoes.h"
 
 namespace lumavox {
@@ -23,17 +22,6 @@ namespace fs = std::filesystem;
 
 // From the build, not from __FILE__: a compiler cache may have made the source path relative.
 const fs::path kDocs = LUMAVOX_DOCS;
-
-struct Saida {
-  int codigo;
-  std::string texto, erros;
-};
-
-Saida Rodar(std::vector<std::string> args) {
-  std::ostringstream saida, erros;
-  const int codigo = cli::Executar(std::move(args), saida, erros);
-  return {codigo, saida.str(), erros.str()};
-}
 
 std::string Ler(const fs::path& arquivo) {
   std::ifstream in(arquivo, std::ios::binary);
@@ -106,25 +94,25 @@ TEST(Documentacao, CadaArquivoDeExemploDecodifica) {
   for (const auto& entrada : fs::recursive_directory_iterator(kDocs)) {
     if (entrada.path().extension() != ".rdb") continue;
     ++exemplos;
-    const Saida r = Rodar({"rdb", "decode", entrada.path().string()});
+    const teste::ResultadoCli r = teste::RodarCli({"rdb", "decode", entrada.path().string()});
     EXPECT_EQ(r.codigo, 0) << entrada.path() << ": " << r.erros;
-    EXPECT_FALSE(r.texto.empty()) << entrada.path();
+    EXPECT_FALSE(r.saida.empty()) << entrada.path();
   }
   EXPECT_GE(exemplos, 2);
 }
 
 TEST(Documentacao, AjudaApontaSoParaDocumentosQueExistem) {
-  const Saida r = Rodar({"--help"});
+  const teste::ResultadoCli r = teste::RodarCli({"--help"});
   ASSERT_EQ(r.codigo, 0);
   int citados = 0;
   const std::regex documento(R"(\b([a-z-]+\.md)\b)");
-  for (auto it = std::sregex_iterator(r.texto.begin(), r.texto.end(), documento); it != std::sregex_iterator(); ++it) {
+  for (auto it = std::sregex_iterator(r.saida.begin(), r.saida.end(), documento); it != std::sregex_iterator(); ++it) {
     ++citados;
     EXPECT_TRUE(fs::exists(kDocs / (*it)[1].str())) << (*it)[1];
   }
   EXPECT_GE(citados, 2);
   // Each subcommand's help carries the same pointer.
-  EXPECT_NE(Rodar({"select", "--help"}).texto.find("rules.md"), std::string::npos);
+  EXPECT_NE(teste::RodarCli({"select", "--help"}).saida.find("rules.md"), std::string::npos);
 }
 
 }  // namespace

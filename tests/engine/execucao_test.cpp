@@ -22,12 +22,7 @@ class ExecucaoTeste : public ::testing::Test {
     motor = std::make_unique<Motor>(estacao.Pasta(), ambiente);
     motor->Iniciar();
   }
-  std::vector<std::string> Fila() {
-    std::vector<std::string> nomes;
-    for (const auto& p : ListarArquivos(ArquivosReais(), estacao.Caminho("list"), ".lre"))
-      nomes.push_back(p.filename().string());
-    return nomes;
-  }
+  std::vector<std::string> Fila() const { return estacao.Nomes("list", ".lre"); }
   EstacaoTeste estacao;
   AmbienteFixo ambiente{MontarDataHora(2026, 11, 22, 10, 0, 0), 5};
   std::unique_ptr<Motor> motor;
@@ -88,7 +83,7 @@ TEST_F(ExecucaoTeste, AvancoAnulaAFilaEMudancaDeNivelTrocaAsEntregasAntigas) {
   ASSERT_EQ(r.selecoes.size(), 2u);
   EXPECT_EQ(r.selecoes[0].conjunto, 2);
   // The replaced and voided entries' media went with them; the one being played stays.
-  EXPECT_EQ(ListarArquivos(ArquivosReais(), estacao.Caminho("temp"), ".mrt").size(), 3u);
+  EXPECT_EQ(estacao.Nomes("temp", ".mrt").size(), 3u);
 }
 
 TEST_F(ExecucaoTeste, CinquentaMusicasEsperamECinquentaEUmaEscolhem) {
@@ -113,36 +108,6 @@ TEST_F(ExecucaoTeste, MusicaForcadaSoValeSeEstiverNoAcervo) {
   b.E().execucao.MusicaForcada = 9999;
   EXPECT_EQ(a.TestarRegras().selecoes[0].escolhida, b.TestarRegras().selecoes[0].escolhida);
   EXPECT_EQ(b.E().execucao.MusicaForcada, 0);
-}
-
-TEST_F(ExecucaoTeste, MidiaQueNaoSeGravaNaoEntraNaFilaNemNoHistorico) {
-  Montar(60);
-  motor->TestarRegras();  // start-up run
-  const int16_t tocadas = motor->E().historico().TotalTocadas;
-  fs::remove_all(estacao.Caminho("temp"));
-  estacao.GravarTexto("temp", "um arquivo no lugar da pasta");
-  fs::remove(estacao.Caminho("list") / Fila().front());
-  const ResultadoExecucao r = motor->TestarRegras();
-  ASSERT_EQ(r.selecoes.size(), 1u);  // one failure ends the call
-  EXPECT_FALSE(r.selecoes[0].mrt.has_value());
-  EXPECT_FALSE(r.selecoes[0].lre.has_value());
-  ASSERT_TRUE(r.selecoes[0].erroEntrega.has_value());
-  EXPECT_NE(r.selecoes[0].erroEntrega->find("temp"), std::string::npos) << *r.selecoes[0].erroEntrega;
-  EXPECT_GT(r.proximoIntervaloMs, 1000);
-  EXPECT_EQ(Fila().size(), 1u);
-  EXPECT_EQ(motor->E().historico().TotalTocadas, tocadas);
-  const NoLog& ultima = motor->E().log.Selecoes().back();
-  ASSERT_FALSE(ultima.filhos.empty());
-  EXPECT_EQ(ultima.filhos.back().tipo, TipoLog::EntregaFalhou);
-
-  // The folder is back: the next call fills the queue and the songs join the history.
-  fs::remove(estacao.Caminho("temp"));
-  const ResultadoExecucao depois = motor->TestarRegras();
-  ASSERT_EQ(depois.selecoes.size(), 1u);
-  EXPECT_TRUE(depois.selecoes[0].mrt.has_value());
-  EXPECT_FALSE(depois.selecoes[0].erroEntrega.has_value());
-  EXPECT_EQ(Fila().size(), 2u);
-  EXPECT_EQ(motor->E().historico().TotalTocadas, tocadas + 1);
 }
 
 }  // namespace

@@ -17,14 +17,6 @@ struct HistoricoContado : OrigemHistorico {
   int& chamadas;
 };
 
-// Keeps what debuglog.rer held when a load began, before the load's own lines.
-struct PainelEspiao : Painel {
-  explicit PainelEspiao(const EstacaoTeste& e) : estacao(e) {}
-  void MostrarPlaylist(const fs::path&) override { debugAntes = estacao.Ler("debuglog.rer"); }
-  const EstacaoTeste& estacao;
-  std::string debugAntes;
-};
-
 class MotorCarga : public ::testing::Test {
  protected:
   MotorCarga() {
@@ -60,8 +52,6 @@ TEST_F(MotorCarga, CargaCompletaGravaNregCarregaRegrasELimpaAgenda) {
   EXPECT_EQ(motor.E().agenda.TabelasNumero[2], 0);
   EXPECT_EQ(motor.E().agenda.TabelasGrade(1, 300, 5), u"");
   EXPECT_EQ(historicos, 1);
-  EXPECT_FALSE(estacao.Existe("debuglog.rer"));
-
   DefinirAcervo(-1);
   EXPECT_EQ(historicos, 1);
 }
@@ -85,21 +75,8 @@ TEST_F(MotorCarga, FalhaParaACargaAntesDasEtapasSeguintes) {
   EXPECT_EQ(historicos, 1);
 }
 
-TEST_F(MotorCarga, InicioComDebugRed) {
-  PainelEspiao painel(estacao);
-  motor.DefinirPainel(&painel);
-  estacao.GravarTexto("debug.red", "");
-  motor.Iniciar();
-  EXPECT_TRUE(motor.E().ModoDebug);
-  EXPECT_EQ(painel.debugAntes, "Abriu Playlists\n");
-  EXPECT_EQ(estacao.Ler("debuglog.rer"), "Musica: 3\n");
-  EXPECT_FALSE(motor.UltimoErro().has_value());
-}
-
 TEST_F(MotorCarga, PlaylistUnicaRecarregaNaSextaVerificacao) {
   motor.Iniciar();
-  EXPECT_EQ(motor.E().playlists.TotalPlaylists, 1);
-  EXPECT_EQ(motor.E().acervo().PastaDados, estacao.Pasta());
   ASSERT_EQ(historicos, 1);
   for (int rodada = 2; rodada <= 3; ++rodada) {
     for (int i = 1; i <= 5; ++i) Verificar();
@@ -107,7 +84,6 @@ TEST_F(MotorCarga, PlaylistUnicaRecarregaNaSextaVerificacao) {
     Verificar();
     EXPECT_EQ(historicos, rodada);
   }
-  EXPECT_FALSE(estacao.Existe("debuglog.rer"));
 }
 
 TEST_F(MotorCarga, TrocaDeFaixaRecarregaNaHoraEReiniciaAContagem) {

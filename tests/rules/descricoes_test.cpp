@@ -43,17 +43,6 @@ TEST(DescricoesRegras, NumerosProcuradosSoPeloTextoExato) {
   EXPECT_EQ(semProcedimento, "09 10 11 14 15 16 17 18 19 20 21 ");
 }
 
-TEST(DescricoesRegras, TextoDeReferenciaTerminaNoPeriodoDaRegra) {
-  for (const DescricaoRegra& d : DescricoesRegras()) {
-    if (!d.procedimento) continue;
-    const PeriodoRegra& p = d.periodo;
-    const std::string colchete = "[(X" + std::to_string(p.data) + ")DATA / ENTRE (X" +
-                                 std::to_string(p.inicio) + ") E (X" + std::to_string(p.fim) + ")]";
-    const std::string texto = Utf8(d.texto);
-    EXPECT_NE(texto.find(colchete), std::string::npos) << Utf8(d.numero) << ": " << texto;
-  }
-}
-
 // Values that get each procedure past the checks it makes before its period; the other rules
 // check their period first.
 const std::map<std::u16string_view, std::vector<std::string>> kAntesDoPeriodo{

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <random>
+#include <tuple>
 #include <vector>
 
 #include "base/erro.h"
@@ -34,58 +35,46 @@ class Tags : public ::testing::Test {
 };
 
 TEST(FiltroDeTag, NomeValorEGeral) {
-  EXPECT_EQ(IndiceCampo(u"Artista:Ana"), 0);
-  EXPECT_EQ(IndiceCampo(u"Title:X"), 2);  // field 3 cannot be named
-  EXPECT_EQ(IndiceCampo(u"Vibe:5"), 32);
-  EXPECT_EQ(IndiceCampo(u"Faixa Etária:10"), 23);
-  EXPECT_EQ(IndiceCampo(u"Faixa Etária:10:20"), kCampoDesconhecido);
+  const std::pair<std::u16string_view, int16_t> campos[] = {
+      {u"Title:X", 2}, {u"Vibe:5", 32}, {u"Faixa Etária:10", 23},  // field 3 cannot be named
+      {u"Faixa Etária:10:20", kCampoDesconhecido}, {u"genero:Rock", kCampoDesconhecido},  // names compare exactly
+      {u"Genero", kCampoDesconhecido}, {u":Rock", kCampoDesconhecido}};
+  for (const auto& [filtro, campo] : campos) EXPECT_EQ(IndiceCampo(filtro), campo) << ParaUtf8(filtro);
   EXPECT_EQ(ValorDoFiltro(u"Faixa Etária:10:20"), u"20");
-  EXPECT_EQ(IndiceCampo(u"genero:Rock"), kCampoDesconhecido);  // names compare exactly
-  EXPECT_EQ(IndiceCampo(u"Genero"), kCampoDesconhecido);
-  EXPECT_EQ(IndiceCampo(u":Rock"), kCampoDesconhecido);
-  EXPECT_EQ(IndiceCampo(u""), kCampoDesconhecido);
   EXPECT_EQ(ValorDoFiltro(u"Genero"), u"");
-  EXPECT_EQ(ValorDoFiltro(u"Genero:"), u"");
-  EXPECT_TRUE(TerminaComGeral(u"Genero:Geral*"));
   EXPECT_TRUE(TerminaComGeral(u"Geral*"));
   EXPECT_FALSE(TerminaComGeral(u"Genero:geral*"));
-  EXPECT_FALSE(TerminaComGeral(u"eral*"));
 }
 
-TEST_F(Tags, ConferirTagTextos) {
-  EXPECT_TRUE(Confere(u"Genero:Rock", kGenero, u"ROCK"));
-  EXPECT_TRUE(Confere(u"Genero:Rock", kGenero, u"Pop;Rock"));
-  EXPECT_TRUE(Confere(u"Genero:Rock", kGenero, u"Rock;"));
-  EXPECT_FALSE(Confere(u"Genero: Rock", kGenero, u"Rock"));
-  EXPECT_FALSE(Confere(u"Genero:Rock", kGenero, u" Rock"));  // never trimmed
-  EXPECT_TRUE(Confere(u"Genero:Rock;Pop", kGenero, u"Pop"));
-  EXPECT_FALSE(Confere(u"Genero:Rock;Pop", kGenero, u"Jazz"));
-  EXPECT_FALSE(Confere(u"Genero:", kGenero, u"Jazz"));
-  EXPECT_TRUE(Confere(u"Genero:Ópera", kGenero, u"óPERA"));
-  // One-character tags and trailing pieces are never compared, on either side.
-  EXPECT_FALSE(Confere(u"Nota:5", kNota, u"5"));
-  EXPECT_TRUE(Confere(u"Nota:10", kNota, u"10"));
-  EXPECT_FALSE(Confere(u"Tipo:Rock;A", kTipo, u"A"));
-  EXPECT_TRUE(Confere(u"Tipo:A;Rock", kTipo, u"A;"));
-  EXPECT_FALSE(Confere(u"Genero:", kGenero, u""));
-}
-
-TEST_F(Tags, ConferirTagVibeArtistaEFiltrosEspeciais) {
-  EXPECT_TRUE(Confere(u"Vibe:10", kVibe, u"10,5"));
-  EXPECT_TRUE(Confere(u"Vibe:10", kVibe, u"9,5"));
-  EXPECT_FALSE(Confere(u"Vibe:10", kVibe, u"10,6"));
-  EXPECT_FALSE(Confere(u"Vibe:6", kVibe, u"6,4"));
-  EXPECT_FALSE(Confere(u"Vibe:7,5", kVibe, u"7"));
-  EXPECT_TRUE(Confere(u"Vibe:7,5", kVibe, u"7;"));
-  EXPECT_TRUE(Confere(u"Artista:Ana", kArtista, u"Ana feat Bia"));
-  EXPECT_TRUE(Confere(u"Artista:Ana", kArtista, u"Bia & Ana"));
-  EXPECT_TRUE(Confere(u"Artista:bia", kArtista, u"Ana FEAT. Bia"));
-  EXPECT_FALSE(Confere(u"Artista:Ana", kArtista, u"Ana, Bia"));
-  EXPECT_FALSE(Confere(u"Artista:Ana", kArtista, u"Ana;Bia"));
-  EXPECT_TRUE(Confere(u"Artista:Ana;Bia", kArtista, u"Ana;Bia"));  // ";" is no artist separator
-  EXPECT_TRUE(Confere(u"Genero:Geral*", kGenero, u""));
+TEST_F(Tags, ConferirTagPorCampo) {
+  const std::tuple<const char16_t*, int16_t, const char16_t*, bool> casos[] = {
+      {u"Genero:Rock", kGenero, u"Pop;ROCK", true},
+      {u"Genero: Rock", kGenero, u"Rock", false},
+      {u"Genero:Rock", kGenero, u" Rock", false},  // never trimmed
+      {u"Genero:Rock;Pop", kGenero, u"Pop", true},
+      {u"Genero:Rock;Pop", kGenero, u"Jazz", false},
+      {u"Genero:Ópera", kGenero, u"óPERA", true},
+      {u"Genero:", kGenero, u"", false},
+      // One-character tags and trailing pieces are never compared, on either side.
+      {u"Nota:5", kNota, u"5", false},
+      {u"Tipo:Rock;A", kTipo, u"A", false},
+      {u"Tipo:A;Rock", kTipo, u"A;", true},
+      // Vibe compares as a number within half a point.
+      {u"Vibe:10", kVibe, u"9,5", true},
+      {u"Vibe:10", kVibe, u"10,6", false},
+      {u"Vibe:7,5", kVibe, u"7", false},
+      {u"Vibe:7,5", kVibe, u"7;", true},
+      {u"Artista:Ana", kArtista, u"Bia & Ana", true},
+      {u"Artista:bia", kArtista, u"Ana FEAT. Bia", true},
+      {u"Artista:Ana", kArtista, u"Ana, Bia", false},
+      {u"Artista:Ana", kArtista, u"Ana;Bia", false},
+      {u"Artista:Ana;Bia", kArtista, u"Ana;Bia", true},  // ";" is no artist separator
+      {u"Genero:Geral*", kGenero, u"", true},
+      {u"Cor:Azul", kGenero, u"Azul", false},
+  };
+  for (const auto& [filtro, campo, tag, confere] : casos)
+    EXPECT_EQ(Confere(filtro, campo, tag), confere) << ParaUtf8(filtro) << " / " << ParaUtf8(tag);
   EXPECT_TRUE(ConferirTag(*e, u"", 0));
-  EXPECT_FALSE(Confere(u"Cor:Azul", kGenero, u"Azul"));
   EXPECT_FALSE(ConferirTagArtista(*e, u"Cor:Azul", 0));
   // Accepting and rejecting filters never read the tag, so the slot is not checked.
   EXPECT_TRUE(ConferirTag(*e, u"Genero:Geral*", 9000));
@@ -94,27 +83,16 @@ TEST_F(Tags, ConferirTagVibeArtistaEFiltrosEspeciais) {
   // The artist form compares whole values first, so one-character values can match there.
   Tag(0, kNota, u"5");
   EXPECT_TRUE(ConferirTagArtista(*e, u"Nota:5", 0));
-}
-
-TEST(ConferirPedacoTeste, ListasECampos) {
-  EXPECT_TRUE(ConferirPedaco(u"rock", u"Pop;ROCK", kGenero));
-  EXPECT_FALSE(ConferirPedaco(u"Rock", u"Rock;Pop", kArtista));
-  EXPECT_TRUE(ConferirPedaco(u"Bia", u"Ana com Bia", kArtista));
-  EXPECT_FALSE(ConferirPedaco(u"R", u"R", kGenero));
-  EXPECT_TRUE(ConferirPedaco(u"", u";x", kGenero));  // the empty first piece is compared
-  EXPECT_TRUE(ConferirPedaco(u"5", u"5,5", kVibe));
+  EXPECT_TRUE(ConferirPedaco(u"", u";x", kGenero));      // the empty first piece is compared
   EXPECT_FALSE(ConferirPedaco(u"abc", u"1,5", kVibe));  // text counts as 0
 }
 
 TEST_F(Tags, CompararArtistasPedacos) {
-  EXPECT_TRUE(Artistas(u"Ana feat Bia", u"Bia"));
   EXPECT_TRUE(Artistas(u"Ana Feat Bia", u"bia"));
-  EXPECT_TRUE(Artistas(u"Ana feat. Bia", u"Bia"));
   EXPECT_TRUE(Artistas(u"Ana featuring Bia vs. Caio", u"Caio & Duda"));
   EXPECT_FALSE(Artistas(u"Ana,Bia", u"Bia"));
   EXPECT_FALSE(Artistas(u"Ana & B", u"B"));
   EXPECT_FALSE(Artistas(u"", u""));
-  EXPECT_FALSE(Artistas(u"", u"Ana"));
   EXPECT_TRUE(Artistas(u"A", u"a"));  // whole-value test
   // A separator is taken at its position only when nothing of it is reused.
   EXPECT_FALSE(Artistas(u"Ana & & Bia", u"Bia"));
@@ -149,7 +127,6 @@ TEST_F(Tags, MesmoValorTagESlots) {
   Tag(6, kGenero, u"Jazz");
   EXPECT_TRUE(MesmoValorTag(*e, kGenero, 1, 2));
   EXPECT_TRUE(MesmoValorTag(*e, kGenero, 3, 1));
-  EXPECT_TRUE(MesmoValorTag(*e, kGenero, 1, 3));
   EXPECT_FALSE(MesmoValorTag(*e, kGenero, 6, 1));
   EXPECT_FALSE(MesmoValorTag(*e, kGenero, 4, 5));  // both empty
   Tag(4000, kGenero, u"Rock");

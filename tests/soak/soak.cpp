@@ -11,7 +11,6 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
-#include <map>
 #include <random>
 #include <string>
 #include <vector>
@@ -165,7 +164,6 @@ class Soak {
     if (Chance(2)) {
       // The clock jumps, forward or back, by up to nine hours: playlists switch with it.
       ambiente_.DefinirAgora(SomarSegundos(ambiente_.Agora(), std::uniform_int_distribution<int64_t>(-9 * 3600, 9 * 3600)(g_)));
-      ++saltos_;
     }
 
     const ResultadoExecucao r = motor_->TestarRegras();
@@ -174,21 +172,14 @@ class Soak {
       ++totalSelecoes_;
       Conferir(r.selecoes[i], i == 0 ? forcada : 0);
     }
-    ContarLog(r);
     const size_t fila = ListarArquivos(ArquivosReais(), op_.pasta / "list", ".lre").size();
     if (total >= 51 && fila == 0) Falha("fila vazia depois da chamada");
     // The player takes an entry with its media, so every media file left has its entry.
     if (const size_t midias = ListarArquivos(ArquivosReais(), op_.pasta / "temp", ".mrt").size(); midias != fila)
       Falha(std::to_string(midias) + " mídias em temp/ para " + std::to_string(fila) + " entradas na fila");
-    if (PastaDadosNoite() != noiteAntes_) {
-      ++trocasPlaylist_;
-      noiteAntes_ = PastaDadosNoite();
-    }
     Tocar();
     return static_cast<long>(r.selecoes.size());
   }
-
-  bool PastaDadosNoite() const { return motor_->E().acervo().PastaDados.filename() == "madrugada"; }
 
   void Conferir(const SelecaoFeita& s, int32_t forcada) {
     Estado& e = motor_->E();
@@ -221,16 +212,6 @@ class Soak {
     Falha("seleção " + s.chaveLog + " sem MUSICAS RESTANTES");
   }
 
-  void ContarLog(const ResultadoExecucao& r) {
-    for (const SelecaoFeita& s : r.selecoes)
-      for (const NoLog& pai : motor_->E().log.Selecoes())
-        if (pai.chave == s.chaveLog)
-          for (const NoLog& no : pai.filhos) {
-            if (no.tipo == TipoLog::Erro) ++erros_[ParaUtf8(no.id) + ": " + no.erro.substr(0, 60)];
-            if (no.tipo == TipoLog::Negada) ++negadas_[ParaUtf8(no.id)];
-          }
-  }
-
   // The stand-in player: takes the first entry of the queue with its media, logs the play and
   // lets the clock run for the song's length.
   void Tocar() {
@@ -249,12 +230,7 @@ class Soak {
   }
 
   int Relatorio(long feitas) {
-    std::printf("\n%ld seleções, %ld mídias conferidas, %ld forçadas, %ld trocas de playlist, %ld saltos de relógio\n",
-                feitas, midiasConferidas_, forcadas_, trocasPlaylist_, saltos_);
-    std::printf("regras recusadas:");
-    for (const auto& [id, n] : negadas_) std::printf(" %s×%ld", id.c_str(), n);
-    std::printf("\nregras com erro:\n");
-    for (const auto& [causa, n] : erros_) std::printf("  %6ld  %s\n", n, causa.c_str());
+    std::printf("\n%ld seleções, %ld mídias conferidas, %ld forçadas\n", feitas, midiasConferidas_, forcadas_);
     std::printf("mídias restantes em temp/: %zu\n", ListarArquivos(ArquivosReais(), op_.pasta / "temp", ".mrt").size());
     std::printf("memória residente, máximo por bloco (kB):");
     for (const auto& [n, kb] : curva_) std::printf(" %ld:%ld", n, kb);
@@ -280,9 +256,7 @@ class Soak {
   AmbienteFixo ambiente_;
   std::unique_ptr<BancoLogs> banco_;
   std::unique_ptr<Motor> motor_;
-  long falhas_ = 0, totalSelecoes_ = 0, midiasConferidas_ = 0, forcadas_ = 0, trocasPlaylist_ = 0, saltos_ = 0;
-  bool noiteAntes_ = false;
-  std::map<std::string, long> erros_, negadas_;
+  long falhas_ = 0, totalSelecoes_ = 0, midiasConferidas_ = 0, forcadas_ = 0;
   std::vector<std::pair<long, long>> curva_;
 };
 

@@ -4,10 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include <sstream>
-
 #include "apoio/estacao.h"
-#include "cli/comandos.h"
+#include "apoio/linha_comando.h"
 #include "engine/motor.h"
 
 namespace lumavox {
@@ -88,18 +86,18 @@ TEST(TabelasAgenda, CliConfereEMostraATabela) {
   EstacaoTeste st;
   st.GravarTexto("lxtb0.rdb", kTabela7);
   st.GravarTexto("lxtb1.rdb", Tabela({"8", "0", "Genero:Rock", "", "abc"}));
-  std::ostringstream saida, erros;
-  EXPECT_EQ(cli::Executar({"rdb", "tabela", st.Caminho("lxtb0.rdb").string()}, saida, erros), 0);
-  EXPECT_EQ(saida.str(),
+  const teste::ResultadoCli boa = teste::RodarCli({"rdb", "tabela", st.Caminho("lxtb0.rdb").string()});
+  EXPECT_EQ(boa.codigo, 0);
+  EXPECT_EQ(boa.saida,
             "tabela 7\n"
             "0-2 (00:00-00:11)\n  Genero:Rock;Pop\n  Faixa Etária:10:20\n"
             "3 (00:12-00:15)\n  Estilo:Dance\n"
             "4-14 (00:16-00:59)\n  Genero:Rock;Pop\n  Faixa Etária:10:20\n"
             "359 (23:56-23:59)\n  Genero:Jazz\n");
-  std::ostringstream saida2, erros2;
-  EXPECT_EQ(cli::Executar({"rdb", "tabela", st.Caminho("lxtb1.rdb").string()}, saida2, erros2), 1);
-  EXPECT_EQ(saida2.str(), "tabela 8\n0 (00:00-00:03)\n  Genero:Rock\n");
-  EXPECT_NE(erros2.str().find("linha 5"), std::string::npos);
+  const teste::ResultadoCli ruim = teste::RodarCli({"rdb", "tabela", st.Caminho("lxtb1.rdb").string()});
+  EXPECT_EQ(ruim.codigo, 1);
+  EXPECT_EQ(ruim.saida, "tabela 8\n0 (00:00-00:03)\n  Genero:Rock\n");  // what came before the bad line
+  EXPECT_NE(ruim.erros.find("linha 5"), std::string::npos);
 }
 
 }  // namespace

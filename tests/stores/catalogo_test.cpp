@@ -20,50 +20,27 @@ class CarregarRegras : public ::testing::Test {
   Catalogo catalogo;
 };
 
-TEST_F(CarregarRegras, CamposEVariaveisDeCadaRegra) {
-  estacao.Regra(1, true, "28", "(X1)% de chance", {"80", "Sim", "Ritmo:Calmo", "", "", "", "", "", "", "dez"})
-      .Regra(1, false, "99")
-      .GravarRegras();
-  Carregar();
-  ASSERT_EQ(Quantidade(), 2);
-  EXPECT_EQ(Regra(0).ID, u"28");
-  EXPECT_EQ(Regra(0).Descricao, u"(X1)% de chance");
-  EXPECT_EQ(Regra(0).Valor(1), u"80");
-  EXPECT_EQ(Regra(0).Valor(10), u"dez");
-  EXPECT_EQ(Regra(1).ID, u"99");
-}
-
-TEST_F(CarregarRegras, SoAOuAMinusculoAtivam) {
-  const char* marcas[] = {"A", "a", "A ", " A", "I", ""};
+TEST_F(CarregarRegras, CamposMarcasEOsRegistrosCompletos) {
+  // Only "A" and "a" activate; the flag is never trimmed.
+  const std::pair<const char*, bool> marcas[] = {{"A", true}, {"a", true}, {"A ", false}, {" A", false}, {"I", false}};
   std::string arquivo;
-  for (const char* marca : marcas) {
+  for (const auto& [marca, ativa] : marcas) {
     arquivo += EstacaoTeste::Codificada(marca) + "\n";
     for (int k = 1; k < kLinhasPorRegra; ++k) arquivo += EstacaoTeste::Codificada("01") + "\n";
   }
-  estacao.GravarTexto("lxie1.rdb", arquivo);
+  estacao.Regra(1, true, "28", "(X1)% de chance", {"80", "Sim", "", "", "", "", "", "", "nove", "dez"});
+  estacao.GravarRegras();
+  // The last record loses its Var10 line: it does not count, but its fields are written.
+  const std::string ultima = estacao.Ler("lxie1.rdb");
+  estacao.GravarTexto("lxie1.rdb", arquivo + ultima.substr(0, ultima.rfind('\n', ultima.size() - 2) + 1));
   Carregar();
-  ASSERT_EQ(Quantidade(), 6);
-  const bool esperado[] = {true, true, false, false, false, false};
-  for (long r = 0; r < 6; ++r) EXPECT_EQ(Regra(r).Ativo, esperado[r]) << "marca '" << marcas[r] << "'";
-}
-
-TEST_F(CarregarRegras, SoRegistrosCompletosContam) {
-  estacao.Regra(1, true, "01").GravarRegras();
-  const std::string uma = estacao.Ler("lxie1.rdb");
-  // 27 lines: the second record lacks its Var10 but its other fields are written.
-  estacao.Regra(1, true, "12", "", {"3", "", "", "", "", "", "", "", "nove", "dez"}).GravarRegras();
-  std::string segunda = estacao.Ler("lxie1.rdb");
-  segunda.erase(segunda.rfind('\n', segunda.size() - 2) + 1);
-  estacao.GravarTexto("lxie1.rdb", uma + segunda);
-  Carregar();
-  EXPECT_EQ(Quantidade(), 1);
-  EXPECT_EQ(Regra(1).ID, u"12");
-  EXPECT_EQ(Regra(1).Valor(9), u"nove");
-  EXPECT_EQ(Regra(1).Valor(10), u"");
-
-  estacao.GravarTexto("lxie1.rdb", "");
-  Carregar();
-  EXPECT_EQ(Quantidade(), 0);
+  ASSERT_EQ(Quantidade(), 5);
+  for (long r = 0; r < 5; ++r) EXPECT_EQ(Regra(r).Ativo, marcas[r].second) << "marca '" << marcas[r].first << "'";
+  EXPECT_EQ(Regra(5).ID, u"28");
+  EXPECT_EQ(Regra(5).Descricao, u"(X1)% de chance");
+  EXPECT_EQ(Regra(5).Valor(1), u"80");
+  EXPECT_EQ(Regra(5).Valor(9), u"nove");
+  EXPECT_EQ(Regra(5).Valor(10), u"");
 }
 
 TEST_F(CarregarRegras, LimiteDeDuzentasECinquentaESeisRegras) {

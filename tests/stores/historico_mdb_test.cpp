@@ -53,14 +53,6 @@ TEST_F(TabelaJet, SemTabelaLogsParaNaPrimeiraConsulta) {
   EXPECT_TRUE(estado->historico().HistoricoTipo4[0]);
 }
 
-TEST(ArquivoJet, ArquivoQueNaoEJetNaoAbre) {
-  teste::EstacaoTeste estacao;
-  estacao.GravarTexto("lumavox.mdb", std::string(8192, '\0'));
-  FonteLogsMdb fonte(estacao.Caminho("lumavox.mdb"));
-  EXPECT_TRUE(ErroDe([&] { fonte.Abrir(); }));
-  EXPECT_TRUE(ErroDe([&] { fonte.Consultar(ConsultaLogs::Tocadas); }));
-}
-
 LinhaBanco Log(double codigo, ValorBanco musica, ValorBanco data, double tipo) {
   return {codigo, std::move(musica), std::move(data), tipo};
 }
