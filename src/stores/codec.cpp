@@ -1,5 +1,7 @@
 #include "stores/codec.h"
 
+#include <cstdint>
+#include <cstring>
 #include <functional>
 #include <optional>
 #include <string>
@@ -94,8 +96,16 @@ Texto DecodificarLinha(std::u16string_view linha) {
 void ParaCadaLinhaCodificada(SistemaArquivos& arquivos, const std::filesystem::path& arquivo,
                              const std::function<void(Texto&&)>& usar) {
   const std::string bytes = arquivos.LerBytes(arquivo);
-  bool ascii = true;
-  for (char c : bytes) ascii &= static_cast<unsigned char>(c) < 0x80;
+  // Eight bytes at a time: a file of several megabytes is looked at whole before any line.
+  uint64_t altos = 0;
+  size_t i = 0;
+  for (; i + 8 <= bytes.size(); i += 8) {
+    uint64_t w;
+    std::memcpy(&w, bytes.data() + i, sizeof w);
+    altos |= w;
+  }
+  for (; i < bytes.size(); ++i) altos |= static_cast<unsigned char>(bytes[i]);
+  const bool ascii = (altos & 0x8080808080808080ULL) == 0;
   // One buffer for every line: a reader that copies the text (rather than taking it) lets the
   // next line reuse its room.
   Texto texto;
