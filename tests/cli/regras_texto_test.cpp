@@ -5,6 +5,7 @@
 #include "apoio/estacao.h"
 #include "apoio/linha_comando.h"
 #include "cli/regras_texto.h"
+#include "engine/conferencia.h"
 #include "rules/descricoes.h"
 
 namespace lumavox::cli {
