@@ -124,7 +124,8 @@ nlohmann::ordered_json SimulacaoJson(const Simulacao& s, const Figuras& f) {
           {"unica_restante", f.unicaRestante},
           {"espacamento",
            {{"artista", EspacamentoJson(f.espacoArtista)},
-            {"titulo", EspacamentoJson(f.espacoTitulo)}}}};
+            {"titulo", EspacamentoJson(f.espacoTitulo)}}},
+          {"conferencia", ConferenciaJson(s.conferencia)}};
 }
 
 }  // namespace lumavox::cli

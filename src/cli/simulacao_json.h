@@ -7,7 +7,6 @@
 #include <nlohmann/json.hpp>
 
 #include "cli/simulacao.h"
-#include "engine/conferencia.h"
 
 namespace lumavox::cli {
 

@@ -39,7 +39,7 @@ TEST(SimulacaoJson, ChavesEmOrdemRepeticaoAusenteNulaErroSoQuandoHouve) {
                                               "niveis",        "sequencia",
                                               "avisos",        "musicas_por_vezes",
                                               "nunca_tocadas", "unica_restante",
-                                              "espacamento"}));
+                                              "espacamento",   "conferencia"}));
   EXPECT_EQ(j["por_hora"][1]["hora"], "2026-03-14 09:00");
   EXPECT_TRUE(j["menor_intervalo"]["artista"]["musicas"].is_null());
   EXPECT_TRUE(j["menor_intervalo"]["artista"]["minutos"].is_null());
