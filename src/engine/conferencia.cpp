@@ -26,9 +26,7 @@ namespace lumavox {
 
 namespace {
 
-// The level scaling only runs in the bands of sets 1 and 2, at the ends of the player's bar.
-constexpr int kMinimoMusicas = 51;
-constexpr int kNivelMaximo = 100;
+constexpr int kNivelMaximo = 100;  // the top of the player's level bar
 
 std::string Var(int n, const Texto& valor) {
   return "var" + std::to_string(n) + " \"" + ParaUtf8(valor) + "\"";
@@ -49,13 +47,12 @@ bool FaixaValida(std::u16string_view valor) {
   return InteiroDe16Bits(resto.substr(0, traco)) && InteiroDe16Bits(resto.substr(traco + 1));
 }
 
-// The levels of the set's band at which the scaling of `valor` overflows, as "de a ate".
+// The levels of the player's bar at which the set is in force and the scaling of `valor`
+// overflows, as "from, to".
 std::optional<std::pair<int, int>> NiveisQueEstouram(std::u16string_view valor, int conjunto) {
-  if (conjunto == 0) return std::nullopt;  // the middle band returns the first number as it is
-  const int de = conjunto == 1 ? 0 : 65;
-  const int ate = conjunto == 1 ? 35 : kNivelMaximo;
   std::optional<std::pair<int, int>> faixa;
-  for (int nivel = de; nivel <= ate; ++nivel) {
+  for (int nivel = 0; nivel <= kNivelMaximo; ++nivel) {
+    if (ConjuntoDoNivel(nivel) != conjunto) continue;
     try {
       AjustarValorVariavel(valor, static_cast<int16_t>(nivel));
     } catch (const ErroExecucao&) {
