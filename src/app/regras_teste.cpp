@@ -228,10 +228,12 @@ void RegrasTeste::MostrarConferencia() {
       ConferirEstacao(motor_->Amb().Arquivos(), motor_->CaminhoApp(), motor_->Amb().Agora());
   auto* texto = Nomeado(new QPlainTextEdit(sstab1_), "TextoConferencia");
   texto->setReadOnly(true);
-  for (const Constatacao& c : lista) texto->appendPlainText(QString::fromStdString(FormatarConstatacao(c)));
+  for (const Constatacao& c : lista)
+    texto->appendPlainText(QString::fromStdString(FormatarConstatacao(c)));
   if (lista.empty()) texto->setPlainText("Nenhum problema encontrado na estação.");
-  const int aba = sstab1_->addTab(texto, lista.empty() ? QString("Conferência")
-                                                       : QString("Conferência (%1)").arg(lista.size()));
+  const int aba =
+      sstab1_->addTab(texto, lista.empty() ? QString("Conferência")
+                                           : QString("Conferência (%1)").arg(lista.size()));
   // An error spoils the programming: the window opens on it rather than on the debug lines.
   if (TemErro(lista)) sstab1_->setCurrentIndex(aba);
 }

@@ -207,8 +207,9 @@ void Conferencia(std::ostringstream& h, const std::vector<Constatacao>& lista) {
   if (lista.empty()) return;
   const bool erros = TemErro(lista);
   h << "<h2 id='conferencia'>Conferência da estação</h2>\n<p>" << lista.size()
-    << (lista.size() == 1 ? " ponto" : " pontos") << " da estação que o motor trata de um jeito que "
-    << (erros ? "estraga" : "pode estragar") << " a programação (<code>lumavox-cli conferir</code> dá a mesma lista):</p>\n";
+    << (lista.size() == 1 ? " ponto" : " pontos")
+    << " da estação que o motor trata de um jeito que " << (erros ? "estraga" : "pode estragar")
+    << " a programação (<code>lumavox-cli conferir</code> dá a mesma lista):</p>\n";
   std::string arquivo;
   for (const Constatacao& c : lista) {
     if (c.arquivo != arquivo || arquivo.empty()) {
@@ -216,8 +217,9 @@ void Conferencia(std::ostringstream& h, const std::vector<Constatacao>& lista) {
       arquivo = c.arquivo;
       h << "<h3><code>" << EscaparHtml(arquivo) << "</code></h3>\n<ul class='lista'>";
     }
-    h << "<li" << (c.nivel == NivelConstatacao::Erro ? " class='erro'" : "") << "><b>" << NomeDoNivel(c.nivel)
-      << "</b>" << (c.linha ? ", linha " + std::to_string(*c.linha) : std::string()) << ": "
+    h << "<li" << (c.nivel == NivelConstatacao::Erro ? " class='erro'" : "") << "><b>"
+      << NomeDoNivel(c.nivel) << "</b>"
+      << (c.linha ? ", linha " + std::to_string(*c.linha) : std::string()) << ": "
       << EscaparHtml(c.mensagem) << "</li>";
   }
   h << "</ul>\n";

@@ -203,8 +203,9 @@ void ImprimirResumo(std::ostream& out, const Simulacao& s, const Figuras& f) {
   out << "Nunca tocaram: " << f.nuncaTocadas.size()
       << " músicas; escolhidas como a única restante: " << f.unicaRestante << " tocadas\n";
   if (!s.conferencia.empty()) {
-    const auto erros = std::count_if(s.conferencia.begin(), s.conferencia.end(),
-                                     [](const Constatacao& c) { return c.nivel == NivelConstatacao::Erro; });
+    const auto erros =
+        std::count_if(s.conferencia.begin(), s.conferencia.end(),
+                      [](const Constatacao& c) { return c.nivel == NivelConstatacao::Erro; });
     const size_t avisos = s.conferencia.size() - static_cast<size_t>(erros);
     out << "Conferência da estação: " << erros << (erros == 1 ? " erro, " : " erros, ") << avisos
         << (avisos == 1 ? " aviso" : " avisos") << " (lumavox-cli conferir mostra cada um)\n";

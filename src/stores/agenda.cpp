@@ -122,7 +122,8 @@ void CarregarTabelaAgenda(SistemaArquivos& arquivos, TabelasAgenda& agenda, long
     else if (e.Codigo() == CodigoErro::ChamadaInvalida)
       naLinha = linha + 1;
     if (naLinha == 0) throw ErroExecucao(e.Codigo(), onde + ": " + e.what());
-    throw ErroNaLinha(e.Codigo(), onde + ", linha " + std::to_string(naLinha) + ": " + e.what(), naLinha);
+    throw ErroNaLinha(e.Codigo(), onde + ", linha " + std::to_string(naLinha) + ": " + e.what(),
+                      naLinha);
   }
   leitor.Fim();
 }

@@ -29,7 +29,7 @@ struct TabelaPlaylists {
 // entry 1.., the lines skipped and why, and the line whose entry did not fit.
 struct LeituraPlaylists {
   enum class Motivo { Curta, HoraInvalida, SemPasta };
-  std::vector<long> linhasDasEntradas;  // [i - 1] is the line of entry i
+  std::vector<long> linhasDasEntradas;             // [i - 1] is the line of entry i
   std::vector<std::pair<long, Motivo>> ignoradas;  // empty lines are not listed
   long linhaDoExcesso = 0;  // the 31st valid line, where the reading stopped; 0 when none
 };

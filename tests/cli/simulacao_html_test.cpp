@@ -58,7 +58,9 @@ TEST(SimulacaoHtml, TextoDaEstacaoEscapadoEmTodaParte) {
 
 TEST(SimulacaoHtml, ConferenciaNaPrimeiraPaginaPorArquivoESoQuandoAchouAlgo) {
   Simulacao s = DuasHoras();
-  const auto Figuras = [&] { return CalcularFiguras(s, [](const Texto& a, const Texto& b) { return a == b; }); };
+  const auto Figuras = [&] {
+    return CalcularFiguras(s, [](const Texto& a, const Texto& b) { return a == b; });
+  };
   EXPECT_EQ(SimulacaoHtml(s, Figuras()).find("Conferência da estação"), std::string::npos);
   s.conferencia = {{NivelConstatacao::Erro, "lxdb.rdb", std::nullopt, "só <5> músicas"},
                    {NivelConstatacao::Aviso, "pl.rdb", 1, "linha ignorada"},
@@ -68,7 +70,8 @@ TEST(SimulacaoHtml, ConferenciaNaPrimeiraPaginaPorArquivoESoQuandoAchouAlgo) {
   ASSERT_NE(secao, std::string::npos);
   EXPECT_LT(secao, html.find("<h2>Vibe"));
   EXPECT_EQ(Contar(html, "<h3><code>pl.rdb</code></h3>"), 1u);
-  EXPECT_NE(html.find("<li class='erro'><b>erro</b>: só &lt;5&gt; músicas</li>"), std::string::npos);
+  EXPECT_NE(html.find("<li class='erro'><b>erro</b>: só &lt;5&gt; músicas</li>"),
+            std::string::npos);
   EXPECT_NE(html.find("<li><b>aviso</b>, linha 2: outra</li>"), std::string::npos);
 }
 
