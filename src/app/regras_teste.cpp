@@ -21,6 +21,7 @@
 #include "app/lista_arquivos.h"
 #include "base/erro.h"
 #include "base/numeros.h"
+#include "engine/conferencia.h"
 #include "engine/instalacao.h"
 #include "stores/saida.h"
 
@@ -138,6 +139,7 @@ void RegrasTeste::Form_Load() {
   if (motor_->UltimoErro()) qWarning("aviso: %s", motor_->UltimoErro()->c_str());
   tree1_->Sincronizar(motor_->E().log);
   LerDebug();
+  if (ModoDebug()) MostrarConferencia();
   timer1_->start(kIntervaloTimer);
   // Outside debug mode the engine works unseen; the window has no other way to be reached.
   if (ModoDebug()) show();
@@ -219,6 +221,21 @@ void RegrasTeste::AtualizarTela() {
   tree1_->Sincronizar(motor_->E().log);
   MostrarFila();
   LerDebug();
+}
+
+void RegrasTeste::MostrarConferencia() {
+  const std::vector<Constatacao> lista =
+      ConferirEstacao(motor_->Amb().Arquivos(), motor_->CaminhoApp(), motor_->Amb().Agora());
+  auto* texto = Nomeado(new QPlainTextEdit(sstab1_), "TextoConferencia");
+  texto->setReadOnly(true);
+  for (const Constatacao& c : lista)
+    texto->appendPlainText(QString::fromStdString(FormatarConstatacao(c)));
+  if (lista.empty()) texto->setPlainText("Nenhum problema encontrado na estação.");
+  const int aba =
+      sstab1_->addTab(texto, lista.empty() ? QString("Conferência")
+                                           : QString("Conferência (%1)").arg(lista.size()));
+  // An error spoils the programming: the window opens on it rather than on the debug lines.
+  if (TemErro(lista)) sstab1_->setCurrentIndex(aba);
 }
 
 void RegrasTeste::LerDebug() {

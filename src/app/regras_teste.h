@@ -1,7 +1,7 @@
 // The main window, RegrasTeste: it starts the engine (debug mode, tray icon, playlist table,
 // first load), drives the selection runs from its one-shot timer, takes a requested song code
 // from its button and shows what the engine reports: the data folder, the advance count, the
-// queue, the debug lines and the rule log.
+// queue, the debug lines, the rule log and, in debug mode, the station check.
 #pragma once
 
 #include <QWidget>
@@ -74,6 +74,8 @@ class RegrasTeste : public QWidget, public Painel {
   void AtualizarTela();
   void MostrarFila();
   void LerDebug();
+  // Debug mode only: the station check in a tab of its own, opened when it found an error.
+  void MostrarConferencia();
 
   std::unique_ptr<AmbienteJanela> ambienteProprio_;
   Ambiente* ambiente_;

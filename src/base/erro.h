@@ -30,4 +30,15 @@ class ErroExecucao : public std::runtime_error {
   CodigoErro codigo_;
 };
 
+// A failure at one line of a station file, so a check can point at it; catchable as any other.
+class ErroNaLinha : public ErroExecucao {
+ public:
+  ErroNaLinha(CodigoErro codigo, const std::string& descricao, long linha)
+      : ErroExecucao(codigo, descricao), linha_(linha) {}
+  long Linha() const { return linha_; }
+
+ private:
+  long linha_;
+};
+
 }  // namespace lumavox

@@ -23,6 +23,7 @@ constexpr const char* kRodapeAjuda =
     "  rules.md           cada regra (01 a 34): variáveis, período, recusa, particularidades\n"
     "  selection-run.md   a execução da seleção e a entrega ao tocador (select, run, tocar)\n"
     "  station-tools.md   importar, regras, simular\n"
+    "  station-check.md   conferir: cada armadilha que a conferência da estação aponta\n"
     "  on-air.md          no ar com Liquidsoap e Icecast (ar, nivel, avancar)\n"
     "  schedule-tables.md tabelas de agenda da regra 25 (rdb tabela)";
 }  // namespace
@@ -43,6 +44,7 @@ int Executar(std::vector<std::string> argumentos, std::ostream& saida, std::ostr
   RegistrarSimular(app, ctx);
   RegistrarAr(app, ctx);
   RegistrarBanco(app, ctx);
+  RegistrarConferir(app, ctx);
 
   // CLI11 reads the arguments from the back.
   std::reverse(argumentos.begin(), argumentos.end());

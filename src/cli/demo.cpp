@@ -125,7 +125,7 @@ const std::vector<RegraDemo> kRegrasDemo{
     {true, 4, {"10", "", "", ""}},
     {true, 33, {"*2-4", "", "", ""}},
     {false, 28, {"30", "Não", "Lingua:Espanhol", "", "", ""}},
-    {true, 15, {}},
+    {false, 15, {}},
 };
 
 // One rule of every implemented number, with values that keep most songs alive, so a

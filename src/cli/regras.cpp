@@ -7,6 +7,7 @@
 #include "base/arquivos.h"
 #include "cli/regras_texto.h"
 #include "cli/subcomandos.h"
+#include "engine/conferencia.h"
 #include "engine/instalacao.h"
 
 namespace lumavox::cli {

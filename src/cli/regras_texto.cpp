@@ -6,14 +6,7 @@
 #include <map>
 #include <stdexcept>
 
-#include "base/arquivos.h"
-#include "base/datas.h"
-#include "base/erro.h"
-#include "base/numeros.h"
-#include "rules/descricoes.h"
-#include "rules/regras.h"
-#include "rules/tags.h"
-#include "stores/codec.h"
+#include "base/texto.h"
 
 namespace lumavox::cli {
 
@@ -21,48 +14,7 @@ const std::array<std::string_view, kLinhasPorRegra> kChavesLinhas{
     "ativo", "id", "descricao", "exemplo", "var1", "var2", "var3",
     "var4",  "var5", "var6",   "var7",    "var8", "var9", "var10"};
 
-bool RegraLida::Ativo() const { return Maiusculas(linhas[0].texto) == u"A"; }
-
 namespace {
-
-// The engine drops one CR before the LF; a line whose CR the file's CRLF ending already
-// accounts for is decoded as it stands.
-Texto EntradaDoDecodificador(const Texto& bruto, bool crDoFimDeLinha) {
-  if (!crDoFimDeLinha && !bruto.empty() && bruto.back() == u'\r') return bruto.substr(0, bruto.size() - 1);
-  return bruto;
-}
-
-Texto CodificarComPrefixo(const LinhaCodificada& l) {
-  Texto linha = CodificarLinha(l.texto);
-  linha[0] = l.prefixo;
-  return linha;
-}
-
-// The line as it was written when that still decodes to the text (an edited text is
-// encoded afresh), else the text encoded with its leading character.
-Texto Escrita(const LinhaCodificada& l, bool crDoFimDeLinha) {
-  if (l.bruto) {
-    try {
-      if (DecodificarLinha(EntradaDoDecodificador(*l.bruto, crDoFimDeLinha)) == l.texto) return *l.bruto;
-    } catch (const ErroExecucao&) {
-    }
-  }
-  return CodificarComPrefixo(l);
-}
-
-LinhaCodificada LerLinha(const Texto& bruto, bool crDoFimDeLinha) {
-  LinhaCodificada l;
-  l.texto = DecodificarLinha(EntradaDoDecodificador(bruto, crDoFimDeLinha));
-  if (!bruto.empty()) l.prefixo = bruto[0];
-  if (CodificarComPrefixo(l) != bruto) l.bruto = bruto;
-  return l;
-}
-
-bool SoAscii(std::string_view bytes) {
-  for (char c : bytes)
-    if (static_cast<unsigned char>(c) >= 0x80) return false;
-  return true;
-}
 
 // ---- TOML writing ----
 
@@ -191,83 +143,6 @@ ConjuntoLido LerConjuntoToml(const std::string& origem, const toml::table& t, in
 
 }  // namespace
 
-ConjuntoLido LerArquivoRegras(const fs::path& arquivo, int conjunto) {
-  const std::string bytes = LerBytes(arquivo);
-  const Texto texto = SoAscii(bytes) ? Texto(bytes.begin(), bytes.end()) : DecodificarBytes(bytes);
-
-  std::vector<Texto> brutas;
-  bool terminada = true;
-  for (size_t inicio = 0; inicio < texto.size();) {
-    const size_t fim = texto.find(u'\n', inicio);
-    if (fim == Texto::npos) {
-      brutas.push_back(texto.substr(inicio));
-      terminada = false;
-      break;
-    }
-    brutas.push_back(texto.substr(inicio, fim - inicio));
-    inicio = fim + 1;
-  }
-  ConjuntoLido c;
-  c.conjunto = conjunto;
-  c.ultimaSemFim = !terminada;
-  const size_t terminadas = brutas.size() - (terminada ? 0 : 1);
-  // CRLF when every ended line ends so; a lone LF line in such a file keeps its own form.
-  bool todasCr = true;
-  for (size_t i = 0; i < terminadas; ++i) todasCr &= !brutas[i].empty() && brutas[i].back() == u'\r';
-  c.crlf = todasCr;
-
-  const size_t completas = brutas.size() / kLinhasPorRegra * kLinhasPorRegra;
-  for (size_t i = 0; i < brutas.size(); ++i) {
-    const bool crDoFim = c.crlf && i < terminadas;
-    Texto bruto = brutas[i];
-    if (crDoFim) bruto.pop_back();
-    LinhaCodificada linha;
-    try {
-      linha = LerLinha(bruto, crDoFim);
-    } catch (const ErroExecucao& e) {
-      throw ErroExecucao(e.Codigo(), arquivo.filename().string() + " linha " + std::to_string(i + 1) + ": " + e.what());
-    }
-    if (i >= completas) {
-      c.incompletas.push_back(std::move(bruto));
-      continue;
-    }
-    if (i % kLinhasPorRegra == 0) {
-      c.regras.emplace_back();
-      c.regras.back().numero = static_cast<int>(c.regras.size());
-      c.regras.back().linhaOrigem = static_cast<int>(i + 1);
-    }
-    c.regras.back().linhas[i % kLinhasPorRegra] = std::move(linha);
-  }
-  return c;
-}
-
-std::string BytesDoConjunto(const ConjuntoLido& c) {
-  const size_t linhasDeRegras = c.regras.size() * kLinhasPorRegra;
-  const size_t total = linhasDeRegras + c.incompletas.size();
-  std::string bytes;
-  for (size_t i = 0; i < total; ++i) {
-    const bool terminada = !(c.ultimaSemFim && i + 1 == total);
-    const Texto linha = i < linhasDeRegras
-                            ? Escrita(c.regras[i / kLinhasPorRegra].linhas[i % kLinhasPorRegra], c.crlf && terminada)
-                            : c.incompletas[i - linhasDeRegras];
-    bytes += ParaUtf8(linha);
-    if (terminada) bytes += c.crlf ? "\r\n" : "\n";
-  }
-  return bytes;
-}
-
-void GravarArquivoRegras(const fs::path& pasta, const ConjuntoLido& c) {
-  const fs::path destino = pasta / ("lxie" + std::to_string(c.conjunto) + ".rdb");
-  const fs::path temporario = pasta / ("lxie" + std::to_string(c.conjunto) + ".rdb.novo");
-  EscreverBytes(temporario, BytesDoConjunto(c));
-  std::error_code ec;
-  fs::rename(temporario, destino, ec);
-  if (ec) {
-    fs::remove(temporario, ec);
-    throw ErroExecucao(CodigoErro::PermissaoNegada, "não foi possível gravar " + destino.string());
-  }
-}
-
 std::string CabecalhoToml() {
   return "# Regras da estação: uma tabela [[conjuntoN.regra]] por regra, na ordem do arquivo\n"
          "# lxieN.rdb (conjunto 1: nível até 35; 0: 36 a 64; 2: 65 ou mais).\n"
@@ -332,87 +207,6 @@ std::vector<ConjuntoLido> LerTomlRegras(std::string_view texto, const std::strin
   std::vector<ConjuntoLido> lista;
   for (auto& [n, c] : conjuntos) lista.push_back(std::move(c));
   return lista;
-}
-
-// ---- The check ----
-
-namespace {
-
-std::string Var(int n, const Texto& valor) { return "var" + std::to_string(n) + " \"" + ParaUtf8(valor) + "\""; }
-
-bool InteiroDe16Bits(std::u16string_view texto) {
-  const auto v = ConverterNumero(texto);
-  if (!v) return false;
-  const double r = ArredondarPar(*v);
-  return r >= -32768 && r <= 32767;
-}
-
-// "*a-b" (the last "-" splits) or "*a": both parts must be numbers the level scaling can hold.
-bool FaixaValida(std::u16string_view valor) {
-  const std::u16string_view resto = valor.substr(1);
-  const size_t traco = resto.rfind(u'-');
-  if (traco == std::u16string_view::npos) return InteiroDe16Bits(resto);
-  return InteiroDe16Bits(resto.substr(0, traco)) && InteiroDe16Bits(resto.substr(traco + 1));
-}
-
-}  // namespace
-
-std::vector<Problema> ConferirConjunto(const ConjuntoLido& c) {
-  std::vector<Problema> problemas;
-  for (const RegraLida& r : c.regras) {
-    auto Relatar = [&](bool grave, std::string mensagem) {
-      problemas.push_back({c.conjunto, r.numero, r.Id(), grave, std::move(mensagem)});
-    };
-    const BuscaRegra busca = ProcurarRegra(r.Id());
-    if (!busca.conhecida) Relatar(true, "número de regra desconhecido: o motor a registra sem aplicar nada");
-    else if (!busca.procedimento) Relatar(false, "regra sem procedimento: sempre registrada como não realizada");
-
-    for (int n = 1; n <= 10; ++n)
-      if (!r.Var(n).empty() && r.Var(n)[0] == u'*' && !FaixaValida(r.Var(n)))
-        Relatar(true, Var(n, r.Var(n)) + ": valor por nível (*a-b) que não se lê como números inteiros");
-
-    // The rule's description says which variables are filters and which its period; a number
-    // that is not performed reads none.
-    const DescricaoRegra* descricao = ProcurarDescricao(r.Id());
-    if (!descricao || !descricao->periodo.Existe()) continue;
-    for (int n = 1; n <= kVariaveisPorRegra; ++n) {
-      if (!descricao->filtros.Contem(n)) continue;
-      const Texto& filtro = r.Var(n);
-      if (filtro.empty() || TerminaComGeral(filtro)) continue;
-      if (IndiceCampo(filtro) == kCampoDesconhecido)
-        Relatar(true, Var(n, filtro) + ": filtro sem campo conhecido (use Campo:valor, como Genero:Rock)");
-    }
-
-    const PeriodoRegra& periodo = descricao->periodo;
-    const int d = periodo.data;
-    const Texto& data = r.Var(d);
-    if (!data.empty()) {
-      const auto valor = ConverterDataHora(data);
-      if (!valor) Relatar(true, Var(d, data) + ": data do período inválida");
-      else if (valor->segundos >= 0 && valor->segundos < kSegundosPorDia) Relatar(true, Var(d, data) + ": data do período sem dia: a regra nunca vale");
-    }
-    std::optional<DataHora> horas[2];
-    const int variaveisDasHoras[2] = {periodo.inicio, periodo.fim};
-    for (int k = 0; k < 2; ++k) {
-      const int n = variaveisDasHoras[k];
-      const Texto& hora = r.Var(n);
-      if (hora.empty()) continue;
-      const auto valor = ConverterDataHora(hora);
-      if (!valor) Relatar(true, Var(n, hora) + ": hora do período inválida");
-      else if (valor->segundos < 0 || valor->segundos >= kSegundosPorDia) Relatar(true, Var(n, hora) + ": hora do período com data: a regra nunca vale");
-      else horas[k] = valor;
-    }
-    if (r.Var(periodo.inicio).empty() != r.Var(periodo.fim).empty())
-      Relatar(false, "período com só uma das horas: o horário é ignorado");
-    else if (horas[0] && horas[1] && *horas[0] > *horas[1])
-      Relatar(false, "hora inicial depois da final: o período não passa da meia-noite e nunca vale");
-  }
-  if (!c.incompletas.empty())
-    problemas.push_back({c.conjunto, 0, {}, false,
-                         c.incompletas.size() == 1
-                             ? "1 linha no fim não forma uma regra: o motor a ignora"
-                             : std::to_string(c.incompletas.size()) + " linhas no fim não formam uma regra: o motor as ignora"});
-  return problemas;
 }
 
 }  // namespace lumavox::cli

@@ -16,6 +16,7 @@
 
 #include "base/datas.h"
 #include "base/texto.h"
+#include "engine/conferencia.h"
 
 namespace lumavox::cli {
 
@@ -65,6 +66,7 @@ struct Simulacao {
   std::map<ChaveRegra, ContagemRegra> regras;
   std::vector<MusicaDoAcervo> acervo;  // every song of the collections loaded in the run, once
   std::vector<std::string> avisos;
+  std::vector<Constatacao> conferencia;  // the station check of the station's own files
   double segundosDeExecucao = 0;
 };
 

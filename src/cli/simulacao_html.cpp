@@ -202,6 +202,29 @@ void Comparacao(std::ostringstream& h, const Simulacao& s, const Figuras& f, con
     << GraficoVezes({{"regras da estação", &f}, {a.nome, &a.figuras}}) << "\n";
 }
 
+// The station check, grouped by file, errors first within each file's lines as found.
+void Conferencia(std::ostringstream& h, const std::vector<Constatacao>& lista) {
+  if (lista.empty()) return;
+  const bool erros = TemErro(lista);
+  h << "<h2 id='conferencia'>Conferência da estação</h2>\n<p>" << lista.size()
+    << (lista.size() == 1 ? " ponto" : " pontos")
+    << " da estação que o motor trata de um jeito que " << (erros ? "estraga" : "pode estragar")
+    << " a programação (<code>lumavox-cli conferir</code> dá a mesma lista):</p>\n";
+  std::string arquivo;
+  for (const Constatacao& c : lista) {
+    if (c.arquivo != arquivo || arquivo.empty()) {
+      if (!arquivo.empty()) h << "</ul>\n";
+      arquivo = c.arquivo;
+      h << "<h3><code>" << EscaparHtml(arquivo) << "</code></h3>\n<ul class='lista'>";
+    }
+    h << "<li" << (c.nivel == NivelConstatacao::Erro ? " class='erro'" : "") << "><b>"
+      << NomeDoNivel(c.nivel) << "</b>"
+      << (c.linha ? ", linha " + std::to_string(*c.linha) : std::string()) << ": "
+      << EscaparHtml(c.mensagem) << "</li>";
+  }
+  h << "</ul>\n";
+}
+
 void Avisos(std::ostringstream& h, const std::vector<std::string>& avisos,
             const std::string& titulo) {
   if (avisos.empty()) return;
@@ -229,13 +252,14 @@ std::string SimulacaoHtml(const Simulacao& s, const Figuras& f, const Alternativ
     << ".faixa{fill:#1f5fa8;fill-opacity:.22}.mediana{fill:none;stroke:#1f5fa8;stroke-width:1.2}"
     << ".s0{fill:#1f5fa8}.s1{fill:#e08a2c}.lado{display:flex;gap:24px}.lado>div{flex:1}.lado "
        "table{width:100%;font-size:.85em}.lista{font-size:.85em}"
-    << ".legenda span{margin-right:1.5em}.resumo{line-height:1.6}"
+    << ".legenda span{margin-right:1.5em}.resumo{line-height:1.6}.erro b{color:#b00020}"
     << "</style></head><body>\n";
   h << "<h1>Simulação de " << FormatarIso(s.inicio).substr(0, 16) << " a " << FormatarIso(s.fim).substr(0, 16)
     << "</h1>\n<p class='resumo'>Estação <code>" << EscaparHtml(s.estacao) << "</code>: " << s.totalMusicas
     << " músicas no acervo. Nível: " << EscaparHtml(s.origemNivel) << ". Semente " << s.semente << ".<br>"
     << s.tocadas.size() << " músicas tocadas (" << f.avancadas << " avançadas pelo ouvinte), " << s.escolhidas
     << " escolhas do motor. Simulado em " << NumeroComVirgula(s.segundosDeExecucao, 2) << " s.</p>\n";
+  Conferencia(h, s.conferencia);
 
   if (alternativa) {
     h << "<h2>Regras da estação × " << EscaparHtml(alternativa->nome)

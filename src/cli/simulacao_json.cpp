@@ -45,6 +45,17 @@ nlohmann::ordered_json EspacamentoJson(const Espacamento& e) {
 
 }  // namespace
 
+nlohmann::ordered_json ConferenciaJson(const std::vector<Constatacao>& lista) {
+  using J = nlohmann::ordered_json;
+  J doc = J::array();
+  for (const Constatacao& c : lista)
+    doc.push_back({{"nivel", NomeDoNivel(c.nivel)},
+                   {"arquivo", c.arquivo},
+                   {"linha", c.linha ? J(*c.linha) : J()},
+                   {"mensagem", c.mensagem}});
+  return doc;
+}
+
 nlohmann::ordered_json SimulacaoJson(const Simulacao& s, const Figuras& f) {
   using J = nlohmann::ordered_json;
   J porHora = J::array();
@@ -113,7 +124,8 @@ nlohmann::ordered_json SimulacaoJson(const Simulacao& s, const Figuras& f) {
           {"unica_restante", f.unicaRestante},
           {"espacamento",
            {{"artista", EspacamentoJson(f.espacoArtista)},
-            {"titulo", EspacamentoJson(f.espacoTitulo)}}}};
+            {"titulo", EspacamentoJson(f.espacoTitulo)}}},
+          {"conferencia", ConferenciaJson(s.conferencia)}};
 }
 
 }  // namespace lumavox::cli

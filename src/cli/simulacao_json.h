@@ -12,4 +12,8 @@ namespace lumavox::cli {
 
 nlohmann::ordered_json SimulacaoJson(const Simulacao& s, const Figuras& f);
 
+// The station check as `conferir --json` writes it: a list of {nivel, arquivo, linha, mensagem},
+// linha null for a finding about a whole file.
+nlohmann::ordered_json ConferenciaJson(const std::vector<Constatacao>& lista);
+
 }  // namespace lumavox::cli

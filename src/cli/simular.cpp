@@ -19,6 +19,7 @@
 
 #include "base/arquivos.h"
 #include "base/numeros.h"
+#include "base/sistema_arquivos.h"
 #include "cli/curva_nivel.h"
 #include "cli/progresso.h"
 #include "cli/regras_texto.h"
@@ -201,6 +202,14 @@ void ImprimirResumo(std::ostream& out, const Simulacao& s, const Figuras& f) {
   Caso("título", f.titulo);
   out << "Nunca tocaram: " << f.nuncaTocadas.size()
       << " músicas; escolhidas como a única restante: " << f.unicaRestante << " tocadas\n";
+  if (!s.conferencia.empty()) {
+    const auto erros =
+        std::count_if(s.conferencia.begin(), s.conferencia.end(),
+                      [](const Constatacao& c) { return c.nivel == NivelConstatacao::Erro; });
+    const size_t avisos = s.conferencia.size() - static_cast<size_t>(erros);
+    out << "Conferência da estação: " << erros << (erros == 1 ? " erro, " : " erros, ") << avisos
+        << (avisos == 1 ? " aviso" : " avisos") << " (lumavox-cli conferir mostra cada um)\n";
+  }
   for (const std::string& aviso : s.avisos) out << "aviso: " << aviso << "\n";
   for (const auto& [chave, r] : s.regras)
     out << "  conjunto " << r.conjunto << " regra " << r.numero << " (" << ParaUtf8(r.id) << "): " << r.aplicada
@@ -251,6 +260,10 @@ std::optional<Rodada> RodarSimulacao(Contexto& ctx, const fs::path& estacao, con
     return Falhar(std::string("cópia da estação: ") + e.what(), 1);
   }
   const fs::path pasta = copia->Pasta();
+  if (!regras) {
+    SistemaArquivosReal arquivos;
+    sim.conferencia = ConferirEstacao(arquivos, estacao, p.inicio);
+  }
 
   AmbienteSimulado ambiente(p.inicio, p.semente);
   TocadorSimulado tocador(pasta, true);

@@ -36,5 +36,6 @@ void RegistrarImportar(CLI::App& app, Contexto& ctx);
 void RegistrarSimular(CLI::App& app, Contexto& ctx);
 void RegistrarAr(CLI::App& app, Contexto& ctx);
 void RegistrarBanco(CLI::App& app, Contexto& ctx);
+void RegistrarConferir(CLI::App& app, Contexto& ctx);
 
 }  // namespace lumavox::cli

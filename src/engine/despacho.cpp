@@ -27,6 +27,10 @@ int ConjuntoDoNivel(int nivel) {
 }
 
 Texto AjustarValorVariavel(const Estado& e, std::u16string_view valor) {
+  return AjustarValorVariavel(valor, e.selecao.NivelRitmo);
+}
+
+Texto AjustarValorVariavel(std::u16string_view valor, int16_t n) {
   if (valor.empty() || valor.front() != u'*') return Texto(valor);
   const std::u16string_view resto = valor.substr(1);
   int16_t a = 9999, b = 0;
@@ -37,7 +41,6 @@ Texto AjustarValorVariavel(const Estado& e, std::u16string_view valor) {
   }
   if (a == 9999) a = b = ParaInteiro16(ValorNumerico(resto));
 
-  const int16_t n = e.selecao.NivelRitmo;
   if (n >= 36 && n <= 64) return DeUtf8(std::to_string(a));
   const int16_t d = Checar16(n <= 35 ? 35 - n : n - 65);
   const int16_t produto = Checar16(static_cast<long long>(Checar16(b - a)) * d);

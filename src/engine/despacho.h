@@ -19,6 +19,8 @@ int ConjuntoDoNivel(int nivel);
 // NivelRitmo; any value not starting with "*" is returned unchanged. Raises Estouro when the
 // 16-bit arithmetic overflows.
 Texto AjustarValorVariavel(const Estado& e, std::u16string_view valor);
+// The same at a given level.
+Texto AjustarValorVariavel(std::u16string_view valor, int16_t nivel);
 
 // True when the rule was accepted (at least one candidate remains after it). An error raised
 // while applying the rule ends it with nothing removed; it is logged and gives False.

@@ -20,7 +20,6 @@ namespace {
 // A call stops choosing after this many songs even if the queue still looks short, so an
 // unwritable list/ folder cannot keep one call choosing forever.
 constexpr int kMaximoSelecoesPorChamada = 8;
-constexpr int kMinimoMusicas = 51;
 constexpr int kEsperaEntregaMs = 800;
 constexpr int kEsperaAcervoPequenoMs = 60000;
 constexpr int64_t kMaiorContador = 999999;

@@ -23,6 +23,8 @@ constexpr long kUltimoSlot = 4000;
 constexpr long kTotalSlots = 4001;
 constexpr long kCampos = 33;       // fields 0..31 from the file, 32 computed ("Vibe")
 constexpr long kCampoVibe = 32;
+// A selection run with fewer songs than this chooses nothing and waits a minute.
+constexpr int kMinimoMusicas = 51;
 constexpr long kCampoGenero = 5;
 constexpr long kCampoBpm = 7;
 constexpr long kCampoNota = 8;

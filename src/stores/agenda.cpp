@@ -116,11 +116,14 @@ void CarregarTabelaAgenda(SistemaArquivos& arquivos, TabelasAgenda& agenda, long
     // A line that does not decode fails before it is handed over: it is the one after the last
     // line read. A file that cannot be read has no line to name.
     std::string onde = arquivo.filename().string();
+    long naLinha = 0;
     if (noLeitor)
-      onde += ", linha " + std::to_string(linha);
+      naLinha = linha;
     else if (e.Codigo() == CodigoErro::ChamadaInvalida)
-      onde += ", linha " + std::to_string(linha + 1);
-    throw ErroExecucao(e.Codigo(), onde + ": " + e.what());
+      naLinha = linha + 1;
+    if (naLinha == 0) throw ErroExecucao(e.Codigo(), onde + ": " + e.what());
+    throw ErroNaLinha(e.Codigo(), onde + ", linha " + std::to_string(naLinha) + ": " + e.what(),
+                      naLinha);
   }
   leitor.Fim();
 }

@@ -36,8 +36,9 @@ fs::path ArquivoTabelaAgenda(const fs::path& pasta, long lugar);
 
 // Reads one table file into place `lugar`: its number first, then blocks of a slot (or an
 // inclusive range of slots) followed by up to six filters and an empty line. A block sets all
-// six filters of its slots, so a later block overrides an earlier one. Raises ErroExecucao,
-// naming the line, at the first line that does not fit; what was read before it stays.
+// six filters of its slots, so a later block overrides an earlier one. Raises ErroNaLinha at the
+// first line that does not fit (ErroExecucao when the file cannot be read); what was read
+// before it stays.
 void CarregarTabelaAgenda(SistemaArquivos& arquivos, TabelasAgenda& agenda, long lugar,
                           const fs::path& arquivo);
 

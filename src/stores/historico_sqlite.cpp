@@ -51,7 +51,8 @@ class CursorSqlite : public CursorLogs {
 
 }  // namespace
 
-FonteLogsSqlite::FonteLogsSqlite(fs::path arquivo) : arquivo_(std::move(arquivo)) {}
+FonteLogsSqlite::FonteLogsSqlite(fs::path arquivo, bool imutavel)
+    : arquivo_(std::move(arquivo)), imutavel_(imutavel) {}
 
 FonteLogsSqlite::~FonteLogsSqlite() { sqlite3_close(db_); }
 
@@ -59,8 +60,24 @@ void FonteLogsSqlite::Abrir() {
   sqlite3_close(db_);
   db_ = nullptr;
   const std::string caminho = arquivo_.string();
+  std::string nome = caminho;
   // One thread reads through each connection, so SQLite need not lock it at every call.
-  if (sqlite3_open_v2(caminho.c_str(), &db_, SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX, nullptr) != SQLITE_OK) {
+  int modo = SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX;
+  if (imutavel_) {
+    nome = "file:";
+    for (char c : caminho) {
+      if (c == '?' || c == '#' || c == '%') {
+        static const char* kHex = "0123456789ABCDEF";
+        const auto u = static_cast<unsigned char>(c);
+        nome += {'%', kHex[u >> 4], kHex[u & 15]};
+      } else {
+        nome += c;
+      }
+    }
+    nome += "?immutable=1";
+    modo |= SQLITE_OPEN_URI;
+  }
+  if (sqlite3_open_v2(nome.c_str(), &db_, modo, nullptr) != SQLITE_OK) {
     std::string causa = "opening " + caminho + ": " + (db_ ? sqlite3_errmsg(db_) : "out of memory");
     sqlite3_close(db_);
     db_ = nullptr;

@@ -32,7 +32,9 @@ std::unique_ptr<CursorLogs> ConsultarLogsSqlite(sqlite3* db, ConsultaLogs consul
 
 class FonteLogsSqlite : public FonteLogs {
  public:
-  explicit FonteLogsSqlite(fs::path arquivo);
+  // `imutavel`: read the file as one no writer touches (SQLite's immutable=1), so opening it
+  // leaves no -wal or -shm file behind; only for a file with no -wal beside it.
+  explicit FonteLogsSqlite(fs::path arquivo, bool imutavel = false);
   ~FonteLogsSqlite() override;
   FonteLogsSqlite(const FonteLogsSqlite&) = delete;
   FonteLogsSqlite& operator=(const FonteLogsSqlite&) = delete;
@@ -42,6 +44,7 @@ class FonteLogsSqlite : public FonteLogs {
 
  private:
   fs::path arquivo_;
+  bool imutavel_;
   sqlite3* db_ = nullptr;
 };
 

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <utility>
+#include <vector>
 
 #include "base/datas.h"
 #include "base/sistema_arquivos.h"
@@ -23,11 +25,22 @@ struct TabelaPlaylists {
   int32_t PlaylistAtual = -1;
 };
 
+// Where the table's entries came from, for a check that names the lines: the line of each
+// entry 1.., the lines skipped and why, and the line whose entry did not fit.
+struct LeituraPlaylists {
+  enum class Motivo { Curta, HoraInvalida, SemPasta };
+  std::vector<long> linhasDasEntradas;             // [i - 1] is the line of entry i
+  std::vector<std::pair<long, Motivo>> ignoradas;  // empty lines are not listed
+  long linhaDoExcesso = 0;  // the 31st valid line, where the reading stopped; 0 when none
+};
+
 // Reads the table once. Lines are start (columns 1-8), a separator, end (10-17), a separator
 // and the folder name (19 on), relative to the application folder. Lines of 18 characters or
 // fewer, or whose times or name are not valid, are skipped; a 31st valid line ends the
 // reading. A missing file leaves only the default playlist. Never raises.
-void AbrirPlaylists(SistemaArquivos& arquivos, TabelaPlaylists& tabela, const fs::path& caminhoApp);
+// `leitura`, when given, is told where each entry came from.
+void AbrirPlaylists(SistemaArquivos& arquivos, TabelaPlaylists& tabela, const fs::path& caminhoApp,
+                    LeituraPlaylists* leitura = nullptr);
 
 // Index of the playlist whose span holds the time of day of `agora` (both ends inclusive, the
 // last matching line wins), or 0 when none does. Spans never wrap past midnight.

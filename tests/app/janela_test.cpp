@@ -1,5 +1,3 @@
-#include "app/regras_teste.h"
-
 #include <gtest/gtest.h>
 
 #include <QCheckBox>
@@ -11,6 +9,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QTabWidget>
 #include <QTest>
 #include <QTimer>
 #include <csignal>
@@ -20,6 +19,7 @@
 #include "app/arvore_log.h"
 #include "app/cls_tray_icon.h"
 #include "app/lista_arquivos.h"
+#include "app/regras_teste.h"
 #include "app/sinais.h"
 #include "cli/demo.h"
 
@@ -80,6 +80,11 @@ TEST_F(Janela, ModoDebugComIconeJanelaELinhasNaOrdemDaPartida) {
   // The playlists were read before the collection load replaced the line.
   EXPECT_EQ(C<QPlainTextEdit>("TextoDebug")->toPlainText(), "Abriu Playlists\nMusica: 5");
   EXPECT_EQ(estacao.Ler("debuglog.rer"), "Musica: 5\n");
+  // Five songs never get a song on air: the station check says so where the window opens.
+  EXPECT_NE(
+      C<QPlainTextEdit>("TextoConferencia")->toPlainText().indexOf("erro: lxdb.rdb: só 5 músicas"),
+      -1);
+  EXPECT_EQ(C<QTabWidget>("SSTab1")->currentWidget()->objectName(), "TextoConferencia");
 
   // The icon's double click reaches the window through the form.
   form->showMinimized();

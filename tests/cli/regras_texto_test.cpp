@@ -1,10 +1,12 @@
+#include "cli/regras_texto.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
 #include "apoio/estacao.h"
 #include "apoio/linha_comando.h"
-#include "cli/regras_texto.h"
+#include "engine/conferencia.h"
 #include "rules/descricoes.h"
 
 namespace lumavox::cli {

@@ -52,6 +52,25 @@ TEST(SimulacaoHtml, TextoDaEstacaoEscapadoEmTodaParte) {
   EXPECT_NE(html.find("<td>nenhuma repetição</td>"), std::string::npos);  // titles never repeat
 }
 
+TEST(SimulacaoHtml, ConferenciaNaPrimeiraPaginaPorArquivoESoQuandoAchouAlgo) {
+  Simulacao s = DuasHoras();
+  const auto Figuras = [&] {
+    return CalcularFiguras(s, [](const Texto& a, const Texto& b) { return a == b; });
+  };
+  EXPECT_EQ(SimulacaoHtml(s, Figuras()).find("Conferência da estação"), std::string::npos);
+  s.conferencia = {{NivelConstatacao::Erro, "lxdb.rdb", std::nullopt, "só <5> músicas"},
+                   {NivelConstatacao::Aviso, "pl.rdb", 1, "linha ignorada"},
+                   {NivelConstatacao::Aviso, "pl.rdb", 2, "outra"}};
+  const std::string html = SimulacaoHtml(s, Figuras());
+  const size_t secao = html.find("<h2 id='conferencia'>Conferência da estação</h2>");
+  ASSERT_NE(secao, std::string::npos);
+  EXPECT_LT(secao, html.find("<h2>Vibe"));
+  EXPECT_EQ(Contar(html, "<h3><code>pl.rdb</code></h3>"), 1u);
+  EXPECT_NE(html.find("<li class='erro'><b>erro</b>: só &lt;5&gt; músicas</li>"),
+            std::string::npos);
+  EXPECT_NE(html.find("<li><b>aviso</b>, linha 2: outra</li>"), std::string::npos);
+}
+
 TEST(GraficosSvg, UmPontoPorTocadaMasUmMesFicaLeve) {
   Simulacao s = DuasHoras();
   const std::string dia = GraficoVibe(s);

@@ -50,6 +50,7 @@ TEST(Simular, UmaHoraComArtistaProibidoPorMeiaHora) {
   EXPECT_EQ(regra["aplicada"], doc["escolhidas"]);
   EXPECT_EQ(regra["negada"], 0);
   EXPECT_EQ(regra["removeu"].get<int>(), doc["escolhidas"].get<int>() - 1);  // all but the very first choice
+  EXPECT_EQ(doc["conferencia"], nlohmann::json::array());  // the test station is clean
 
   // The station's own folder is exactly as it was: no queue, no media hand-over, no log.
   EXPECT_EQ(estacao.Conteudo(), antes);
