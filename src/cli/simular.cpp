@@ -51,9 +51,8 @@ struct OpcoesSimular {
 };
 
 // A scratch copy of the station: the text files the engine reads (collection, rules, playlist
-// and schedule tables, log database), in their folders, and an empty stand-in for each media
-// file, enough for the load to keep every song without copying gigabytes of audio. It goes
-// away with the object.
+// and schedule tables, log database), in their folders, and an empty media folder that
+// ArquivosDaCopia fills with the station's songs. It goes away with the object.
 class CopiaDaEstacao {
  public:
   explicit CopiaDaEstacao(const fs::path& estacao) {
@@ -62,12 +61,6 @@ class CopiaDaEstacao {
     pasta_ = modelo;
     Copiar(estacao, pasta_, true);
     fs::create_directories(pasta_ / "mre");
-    std::error_code ec;
-    for (fs::directory_iterator it(estacao / "mre", ec), fim; !ec && it != fim; it.increment(ec))
-      if (it->path().extension() == ".mre") EscreverBytes(pasta_ / "mre" / it->path().filename(), "");
-    // The copies keep the station's write times, so the engine can tell at once that they have
-    // not changed since and need not be read again at every reload.
-    fs::last_write_time(pasta_ / "mre", fs::last_write_time(estacao / "mre", ec), ec);
   }
   ~CopiaDaEstacao() {
     std::error_code ec;
@@ -114,6 +107,49 @@ class CopiaDaEstacao {
   }
 
   fs::path pasta_;
+};
+
+// The engine's file system during a run: in the copy's media folder stands an empty file for
+// each song the station has media for, as one listing at the start found them, so the load
+// keeps the same songs without copying gigabytes of audio or making thousands of files.
+// Everything else is the machine's own.
+class ArquivosDaCopia final : public SistemaArquivos {
+ public:
+  ArquivosDaCopia(fs::path mreCopia, const fs::path& mreEstacao) : mre_(std::move(mreCopia)) {
+    for (const fs::path& m : real_.Listar(mreEstacao, ".mre")) nomes_.insert(m.filename().string());
+    // Taken with the listing: the copy's songs stay what they were, so the engine need not
+    // look at them again at every reload.
+    versao_ = real_.Versao(mreEstacao);
+  }
+
+  std::string LerBytes(const fs::path& c) override { return DaCopia(c) ? std::string() : real_.LerBytes(c); }
+  void EscreverBytes(const fs::path& c, std::string_view bytes) override { real_.EscreverBytes(c, bytes); }
+  void Sincronizar(const fs::path& c) override { real_.Sincronizar(c); }
+  void Renomear(const fs::path& de, const fs::path& para) override { real_.Renomear(de, para); }
+  bool Apagar(const fs::path& c) noexcept override { return real_.Apagar(c); }
+  bool ArquivoExiste(const fs::path& c) noexcept override { return DaCopia(c) || real_.ArquivoExiste(c); }
+  std::vector<fs::path> Listar(const fs::path& pasta, std::string_view terminacao) override {
+    if (pasta != mre_) return real_.Listar(pasta, terminacao);
+    std::vector<fs::path> arquivos;
+    for (const std::string& nome : nomes_)
+      if (nome.ends_with(terminacao)) arquivos.push_back(mre_ / nome);
+    return arquivos;
+  }
+  bool CriarPastas(const fs::path& pasta) noexcept override { return real_.CriarPastas(pasta); }
+  std::optional<MarcaArquivo> Marca(const fs::path& c) noexcept override { return real_.Marca(c); }
+  std::optional<VersaoArquivo> Versao(const fs::path& c) noexcept override {
+    return c == mre_ ? versao_ : real_.Versao(c);
+  }
+
+ private:
+  bool DaCopia(const fs::path& c) const {
+    return c.parent_path() == mre_ && nomes_.contains(c.filename().string());
+  }
+
+  SistemaArquivosReal real_;
+  fs::path mre_;
+  std::unordered_set<std::string> nomes_;
+  std::optional<VersaoArquivo> versao_;
 };
 
 std::atomic<bool> g_interromper{false};
@@ -266,6 +302,8 @@ std::optional<Rodada> RodarSimulacao(Contexto& ctx, const fs::path& estacao, con
   }
 
   AmbienteSimulado ambiente(p.inicio, p.semente);
+  ArquivosDaCopia arquivosDaCopia(pasta / "mre", estacao / "mre");
+  ambiente.UsarArquivos(arquivosDaCopia);
   TocadorSimulado tocador(pasta, true);
   int nivel = NivelEm(p.inicio);
   tocador.DefinirNivel(nivel);

@@ -28,6 +28,8 @@ class AmbienteSimulado : public Ambiente {
  public:
   AmbienteSimulado(DataHora inicio, uint32_t semente) : agora_(inicio), gerador_(semente) {}
   DataHora Agora() override { return agora_; }
+  SistemaArquivos& Arquivos() override { return arquivos_ ? *arquivos_ : Ambiente::Arquivos(); }
+  void UsarArquivos(SistemaArquivos& arquivos) { arquivos_ = &arquivos; }
   void Esperar(int milissegundos) override { Avancar((milissegundos + 999) / 1000); }
   float Aleatorio() override;
   void SemearPeloRelogio() override {}
@@ -40,6 +42,7 @@ class AmbienteSimulado : public Ambiente {
  private:
   DataHora agora_;
   std::mt19937 gerador_;
+  SistemaArquivos* arquivos_ = nullptr;
 };
 
 struct Tocada {
