@@ -12,6 +12,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <future>
 #include <memory>
 #include <random>
 #include <unordered_map>
@@ -296,10 +297,13 @@ std::optional<Rodada> RodarSimulacao(Contexto& ctx, const fs::path& estacao, con
     return Falhar(std::string("cópia da estação: ") + e.what(), 1);
   }
   const fs::path pasta = copia->Pasta();
-  if (!regras) {
-    SistemaArquivosReal arquivos;
-    sim.conferencia = ConferirEstacao(arquivos, estacao, p.inicio);
-  }
+  // The check reads the station itself, not the copy, so it runs beside the simulation.
+  std::future<std::vector<Constatacao>> conferencia;
+  if (!regras)
+    conferencia = std::async(std::launch::async, [estacao, inicio = p.inicio] {
+      SistemaArquivosReal arquivos;
+      return ConferirEstacao(arquivos, estacao, inicio);
+    });
 
   AmbienteSimulado ambiente(p.inicio, p.semente);
   ArquivosDaCopia arquivosDaCopia(pasta / "mre", estacao / "mre");
@@ -420,6 +424,7 @@ std::optional<Rodada> RodarSimulacao(Contexto& ctx, const fs::path& estacao, con
       std::chrono::duration<double>(std::chrono::steady_clock::now() - relogio).count();
   rodada.figuras = CalcularFiguras(
       sim, [&](const Texto& a, const Texto& b) { return CompararArtistasSemExcecao(e, a, b, 0); });
+  if (conferencia.valid()) sim.conferencia = conferencia.get();
   return rodada;
 }
 
