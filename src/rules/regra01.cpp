@@ -10,8 +10,9 @@ void Regra01(Estado& e) {
   if (!VerificarVigenciaDaRegra(e, DescricaoDaRegra(1))) return;
   if (e.historico().TotalTocadas > 0) return;
   Selecao& s = e.selecao;
+  const FiltroPreparado filtro = FiltroParaLaco(e, r.Valor(1));
   for (long i = 0; i <= UltimoSlotDosLacos(e); ++i)
-    if (s.MusicaCandidata[i] && !ConferirTag(e, r.Valor(1), i)) s.MusicaMantida[i] = false;
+    if (s.MusicaCandidata[i] && !ConferirTag(e, filtro, i)) s.MusicaMantida[i] = false;
 }
 
 }  // namespace lumavox

@@ -25,11 +25,12 @@ void Regra02(Estado& e, double horas) {
   const double limite = horas * 60;
   std::vector<int16_t> recentes;
   std::vector<bool> visto(kTotalSlots, false);
+  const FiltroPreparado f = FiltroParaLaco(e, filtro);
   for (long p = h.TotalTocadas - 1; p >= -500; --p) {
     if (h.HistoricoCodigos[p] <= 0) continue;  // an empty entry is no play
     if (MinutosDesdeTocada(e, p) > limite) continue;
     const int16_t s = LocalizarMusicaTocada(e, p);
-    if (s >= kSlotAusente || !ConferirTag(e, filtro, s)) continue;
+    if (s >= kSlotAusente || !ConferirTag(e, f, s)) continue;
     if (!visto[static_cast<size_t>(s)]) {
       visto[static_cast<size_t>(s)] = true;
       recentes.push_back(s);
@@ -51,7 +52,7 @@ void Regra02(Estado& e, double horas) {
   for (long i = 0; i <= UltimoSlotDosLacos(e); ++i) {
     if (!sel.MusicaCandidata[i]) continue;
     bool repete = false;
-    if (ConferirTag(e, filtro, i)) {
+    if (ConferirTag(e, f, i)) {
       if (porConjunto) {
         repete = ouvidos.Compartilha(e, campo, i);
       } else {

@@ -25,8 +25,9 @@ void Regra03(Estado& e) {
   // Change drops the songs that match; keep drops those that do not.
   const bool trocar = r.Valor(2) != u"Não";
   if (!TerminaComGeral(filtro)) {
+    const FiltroPreparado f = FiltroParaLaco(e, filtro);
     for (long i = 0; i <= UltimoSlotDosLacos(e); ++i)
-      if (sel.MusicaCandidata[i] && ConferirTag(e, filtro, i) == trocar) sel.MusicaMantida[i] = false;
+      if (sel.MusicaCandidata[i] && ConferirTag(e, f, i) == trocar) sel.MusicaMantida[i] = false;
     return;
   }
   const int32_t ultima = e.historico().HistoricoCodigos[e.historico().TotalTocadas - 1];

@@ -31,15 +31,18 @@ void Regra22(Estado& e) {
   const long ultimo = UltimoSlotDosLacos(e);
   if (SortearPercentual(e) <= chance) {
     if (SemFiltro(tocar)) return;
+    const FiltroPreparado f = FiltroParaLaco(e, tocar);
     for (long i = 0; i <= ultimo; ++i)
-      if (s.MusicaCandidata[i] && !ConferirTag(e, tocar, i)) s.MusicaMantida[i] = false;
+      if (s.MusicaCandidata[i] && !ConferirTag(e, f, i)) s.MusicaMantida[i] = false;
   } else if (!SemFiltro(senao)) {
+    const FiltroPreparado f = FiltroParaLaco(e, senao);
     for (long i = 0; i <= ultimo; ++i)
-      if (s.MusicaCandidata[i] && !ConferirTag(e, senao, i)) s.MusicaMantida[i] = false;
+      if (s.MusicaCandidata[i] && !ConferirTag(e, f, i)) s.MusicaMantida[i] = false;
   } else {
     // With no second tag the failed draw means "not X3".
+    const FiltroPreparado f = FiltroParaLaco(e, tocar);
     for (long i = 0; i <= ultimo; ++i)
-      if (s.MusicaCandidata[i] && ConferirTag(e, tocar, i)) s.MusicaMantida[i] = false;
+      if (s.MusicaCandidata[i] && ConferirTag(e, f, i)) s.MusicaMantida[i] = false;
   }
 }
 

@@ -17,8 +17,9 @@ void Regra28(Estado& e) {
   const bool tocar = Maiusculas(r.Valor(2)) == u"SIM";
   const Texto& filtro = r.Valor(3);
   Selecao& s = e.selecao;
+  const FiltroPreparado f = FiltroParaLaco(e, filtro);
   for (long i = 0; i <= UltimoSlotDosLacos(e); ++i)
-    if (s.MusicaCandidata[i] && ConferirTag(e, filtro, i) != tocar) s.MusicaMantida[i] = false;
+    if (s.MusicaCandidata[i] && ConferirTag(e, f, i) != tocar) s.MusicaMantida[i] = false;
 }
 
 }  // namespace lumavox

@@ -76,7 +76,10 @@ Texto ValorDoFiltro(std::u16string_view filtro) { return Texto(DividirFiltro(fil
 bool TerminaComGeral(std::u16string_view texto) { return texto.ends_with(u"Geral*"); }
 
 bool ConferirTag(Estado& e, std::u16string_view filtro, long slot) {
-  const FiltroPreparado& f = PrepararFiltro(e, filtro);
+  return ConferirTag(e, PrepararFiltro(e, filtro), slot);
+}
+
+bool ConferirTag(Estado& e, const FiltroPreparado& f, long slot) {
   if (f.aceitaTudo) return true;
   if (f.campo == kCampoDesconhecido) return false;
   const PedacosTexto& tag = e.cacheTags.DoSlot(slot, f.campo, e.acervo().AcervoTags);

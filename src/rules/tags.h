@@ -30,6 +30,7 @@ bool ConferirTagArtista(Estado& e, std::u16string_view filtro, long slot);
 // A filter prepared once, for a rule that tests several filters in turn over the collection
 // (the memo of recent filters would otherwise be searched at every song).
 FiltroPreparado FiltroParaLaco(Estado& e, std::u16string_view filtro);
+bool ConferirTag(Estado& e, const FiltroPreparado& filtro, long slot);
 bool ConferirTagArtista(Estado& e, const FiltroPreparado& filtro, long slot);
 
 // Whether `pedaco` equals one of the pieces of `lista` split as field `campo` splits.
