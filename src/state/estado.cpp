@@ -50,14 +50,13 @@ void Estado::ChecarMusicasTocadas() {
 
 int16_t Estado::LocalizarMusica(int32_t codigo) const {
   if (codigosIndexados_ != versaoCodigos_) {
-    primeiroSlot_.clear();
-    primeiroSlot_.reserve(kTotalSlots);
+    primeiroSlot_.Limpar();
     for (long slot = 0; slot <= kUltimoSlot; ++slot)
-      primeiroSlot_.emplace(acervo_.AcervoCodigos.SemVerificar(slot), static_cast<int16_t>(slot));
+      primeiroSlot_.Inserir(acervo_.AcervoCodigos.SemVerificar(slot), static_cast<int16_t>(slot));
     codigosIndexados_ = versaoCodigos_;
   }
-  auto it = primeiroSlot_.find(codigo);
-  return it == primeiroSlot_.end() ? kSlotAusente : it->second;
+  const int16_t* slot = primeiroSlot_.Procurar(codigo);
+  return slot ? *slot : kSlotAusente;
 }
 
 const IndiceHistorico& Estado::IndiceDoHistorico() const {

@@ -5,10 +5,10 @@
 
 #include <cstdint>
 #include <functional>
-#include <unordered_map>
 
 #include "base/ambiente.h"
 #include "base/datas.h"
+#include "base/mapa_inteiros.h"
 #include "base/vetor.h"
 #include "state/indice_historico.h"
 #include "state/log.h"
@@ -110,7 +110,7 @@ class Estado {
   uint64_t versaoHistorico_ = 0;
 
   mutable uint64_t codigosIndexados_ = ~0ull;
-  mutable std::unordered_map<int32_t, int16_t> primeiroSlot_;
+  mutable MapaInteiros primeiroSlot_;
 
   mutable uint64_t historicoIndexado_ = ~0ull;
   mutable uint64_t codigosDoHistorico_ = ~0ull;

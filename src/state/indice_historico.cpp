@@ -10,7 +10,7 @@ void IndiceHistorico::Construir(const Estado& e) {
   if (topo >= kPosicaoMaisAntiga) (void)h.HistoricoCodigos[topo];
 
   const std::size_t posicoes = Deslocada(kUltimaPosicao) + 1;
-  primeiraDoCodigo_.clear();
+  primeiraDoCodigo_.Limpar();
   seguinteDoCodigo_.assign(posicoes, static_cast<int16_t>(kFim));
   primeiraDoSlot_.assign(kTotalSlots, static_cast<int16_t>(kFim));
   seguinteDoSlot_.assign(posicoes, static_cast<int16_t>(kFim));
@@ -28,10 +28,10 @@ void IndiceHistorico::Construir(const Estado& e) {
     const int32_t codigo = h.HistoricoCodigos[p];
     const auto posicao = static_cast<int16_t>(p);
     if (codigo > 0) {
-      auto [it, nova] = primeiraDoCodigo_.try_emplace(codigo, posicao);
+      auto [primeira, nova] = primeiraDoCodigo_.Inserir(codigo, posicao);
       if (!nova) {
-        seguinteDoCodigo_[Deslocada(p)] = it->second;
-        it->second = posicao;
+        seguinteDoCodigo_[Deslocada(p)] = *primeira;
+        *primeira = posicao;
       }
     }
     if (p > parada) {

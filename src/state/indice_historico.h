@@ -4,8 +4,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <unordered_map>
 #include <vector>
+
+#include "base/mapa_inteiros.h"
 
 namespace lumavox {
 
@@ -22,8 +23,8 @@ class IndiceHistorico {
   static constexpr long kPosicaoMaisAntiga = -500;
 
   long PrimeiraDoCodigo(int32_t codigo) const {
-    auto it = primeiraDoCodigo_.find(codigo);
-    return it == primeiraDoCodigo_.end() ? kFim : it->second;
+    const int16_t* p = primeiraDoCodigo_.Procurar(codigo);
+    return p ? *p : kFim;
   }
   long SeguinteDoCodigo(long posicao) const { return seguinteDoCodigo_[Deslocada(posicao)]; }
   long PrimeiraDoSlot(long slot) const { return primeiraDoSlot_[static_cast<std::size_t>(slot)]; }
@@ -34,7 +35,7 @@ class IndiceHistorico {
   static std::size_t Deslocada(long posicao) { return static_cast<std::size_t>(posicao - kPosicaoMaisAntiga); }
   void Construir(const Estado& e);
 
-  std::unordered_map<int32_t, int16_t> primeiraDoCodigo_;
+  MapaInteiros primeiraDoCodigo_;
   std::vector<int16_t> seguinteDoCodigo_;
   std::vector<int16_t> primeiraDoSlot_;
   std::vector<int16_t> seguinteDoSlot_;
