@@ -44,7 +44,7 @@ struct Cheia : bench::MotorCheio {
         for (long k = 0; k < kFiltrosAgenda; ++k) a.TabelasGrade(t, slot, k) = filtros[k];
     }
     const int16_t ultima = static_cast<int16_t>((3999 + 500) * 7 % 4001);
-    generoDaUltima = u"Genero:" + e.acervo().AcervoTags(ultima, 5);
+    generoDaUltima = u"Genero:" + Texto(e.acervo().AcervoTags(ultima, 5));
   }
 };
 

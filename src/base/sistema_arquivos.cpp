@@ -1,5 +1,6 @@
 #include "base/sistema_arquivos.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <time.h>
@@ -105,17 +106,36 @@ bool SistemaArquivosReal::ArquivoExiste(const fs::path& caminho) noexcept {
   return fs::is_regular_file(caminho, ec);
 }
 
+std::vector<std::string> SistemaArquivos::ListarNomes(const fs::path& pasta, std::string_view terminacao) {
+  std::vector<std::string> nomes;
+  for (const fs::path& p : Listar(pasta, terminacao)) nomes.push_back(p.filename().string());
+  return nomes;
+}
+
+std::vector<std::string> SistemaArquivosReal::ListarNomes(const fs::path& pasta, std::string_view terminacao) {
+  std::vector<std::string> nomes;
+  DIR* d = ::opendir(pasta.c_str());
+  if (!d) return nomes;
+  errno = 0;
+  while (const dirent* e = ::readdir(d)) {
+    const std::string_view nome(e->d_name);
+    // The name is looked at first: only a matching entry costs a look at its type, and only
+    // when the folder's entry does not tell it (or names a link, which counts as its target).
+    if (!nome.ends_with(terminacao)) continue;
+    bool regular = e->d_type == DT_REG;
+    if (e->d_type == DT_UNKNOWN || e->d_type == DT_LNK) {
+      struct stat st {};
+      regular = ::fstatat(::dirfd(d), e->d_name, &st, 0) == 0 && S_ISREG(st.st_mode);
+    }
+    if (regular) nomes.emplace_back(nome);
+  }
+  ::closedir(d);
+  return nomes;
+}
+
 std::vector<fs::path> SistemaArquivosReal::Listar(const fs::path& pasta, std::string_view terminacao) {
   std::vector<fs::path> arquivos;
-  std::error_code ec;
-  for (fs::directory_iterator it(pasta, ec), fim; !ec && it != fim; it.increment(ec)) {
-    const std::string nome = it->path().filename().string();
-    // The name is looked at first: only a matching entry costs a look at its type.
-    if (nome.size() >= terminacao.size() &&
-        nome.compare(nome.size() - terminacao.size(), terminacao.size(), terminacao) == 0 &&
-        it->is_regular_file(ec))
-      arquivos.push_back(it->path());
-  }
+  for (const std::string& nome : ListarNomes(pasta, terminacao)) arquivos.push_back(pasta / nome);
   return arquivos;
 }
 

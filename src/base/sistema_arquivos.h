@@ -50,9 +50,12 @@ class SistemaArquivos {
   // True for a regular file (or a link to one).
   virtual bool ArquivoExiste(const fs::path& caminho) noexcept = 0;
   // The regular files directly in `pasta` whose names end in `terminacao`, in no particular
-  // order. Empty when the folder cannot be read; an entry that cannot be examined ends the
-  // listing with what was found before it.
+  // order. Empty when the folder cannot be read; an entry whose type cannot be read is left
+  // out.
   virtual std::vector<fs::path> Listar(const fs::path& pasta, std::string_view terminacao) = 0;
+  // The names alone of what Listar finds, for folders of thousands of files where building a
+  // path for each costs more than reading the folder.
+  virtual std::vector<std::string> ListarNomes(const fs::path& pasta, std::string_view terminacao);
   // Makes the folder and its parents; false when it could not.
   virtual bool CriarPastas(const fs::path& pasta) noexcept = 0;
   // Write time and size, or nothing when either cannot be read.
@@ -74,6 +77,7 @@ class SistemaArquivosReal final : public SistemaArquivos {
   bool Apagar(const fs::path& caminho) noexcept override;
   bool ArquivoExiste(const fs::path& caminho) noexcept override;
   std::vector<fs::path> Listar(const fs::path& pasta, std::string_view terminacao) override;
+  std::vector<std::string> ListarNomes(const fs::path& pasta, std::string_view terminacao) override;
   bool CriarPastas(const fs::path& pasta) noexcept override;
   std::optional<MarcaArquivo> Marca(const fs::path& caminho) noexcept override;
   std::optional<VersaoArquivo> Versao(const fs::path& caminho) noexcept override;

@@ -41,7 +41,7 @@ void ImprimirTexto(std::ostream& out, const Motor& motor) {
   for (long s = 0; s < a.TotalMusicas; ++s) {
     out << FormatarZeros(a.AcervoCodigos[s], 7);
     for (long campo = 0; campo <= kCampoVibe; ++campo) {
-      const Texto& valor = a.AcervoTags(s, campo);
+      const std::u16string_view valor = a.AcervoTags(s, campo);
       if (valor.empty()) continue;
       std::string nome = campo == 3 ? "3" : ParaUtf8(kNomesCampos[static_cast<size_t>(campo)]);
       out << "  " << nome << "=" << ParaUtf8(valor);

@@ -117,7 +117,7 @@ class CopiaDaEstacao {
 class ArquivosDaCopia final : public SistemaArquivos {
  public:
   ArquivosDaCopia(fs::path mreCopia, const fs::path& mreEstacao) : mre_(std::move(mreCopia)) {
-    for (const fs::path& m : real_.Listar(mreEstacao, ".mre")) nomes_.insert(m.filename().string());
+    for (std::string& nome : real_.ListarNomes(mreEstacao, ".mre")) nomes_.insert(std::move(nome));
     // Taken with the listing: the copy's songs stay what they were, so the engine need not
     // look at them again at every reload.
     versao_ = real_.Versao(mreEstacao);
@@ -135,6 +135,13 @@ class ArquivosDaCopia final : public SistemaArquivos {
     for (const std::string& nome : nomes_)
       if (nome.ends_with(terminacao)) arquivos.push_back(mre_ / nome);
     return arquivos;
+  }
+  std::vector<std::string> ListarNomes(const fs::path& pasta, std::string_view terminacao) override {
+    if (pasta != mre_) return real_.ListarNomes(pasta, terminacao);
+    std::vector<std::string> nomes;
+    for (const std::string& nome : nomes_)
+      if (nome.ends_with(terminacao)) nomes.push_back(nome);
+    return nomes;
   }
   bool CriarPastas(const fs::path& pasta) noexcept override { return real_.CriarPastas(pasta); }
   std::optional<MarcaArquivo> Marca(const fs::path& c) noexcept override { return real_.Marca(c); }
@@ -343,7 +350,7 @@ std::optional<Rodada> RodarSimulacao(Contexto& ctx, const fs::path& estacao, con
       const int32_t codigo = a.AcervoCodigos[slot];
       if (codigo > 0 && conhecidas.insert(codigo).second)
         sim.acervo.push_back(
-            {codigo, a.AcervoTags(slot, kCampoArtista), a.AcervoTags(slot, kCampoTitle)});
+            {codigo, Texto(a.AcervoTags(slot, kCampoArtista)), Texto(a.AcervoTags(slot, kCampoTitle))});
     }
   };
 

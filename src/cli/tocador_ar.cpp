@@ -71,7 +71,7 @@ std::pair<Texto, Texto> ArtistaETitulo(const fs::path& pastaApp, int32_t codigo,
       continue;  // a collection that does not load names no song; the queue still plays
     }
     for (long s = 0; s < acervo->TotalMusicas; ++s)
-      if (acervo->AcervoCodigos[s] == codigo) return {acervo->AcervoTags(s, kCampoArtista), acervo->AcervoTags(s, kCampoTitle)};
+      if (acervo->AcervoCodigos[s] == codigo) return {Texto(acervo->AcervoTags(s, kCampoArtista)), Texto(acervo->AcervoTags(s, kCampoTitle))};
   }
   return {};
 }

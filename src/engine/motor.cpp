@@ -74,10 +74,11 @@ void Motor::DefinirAcervo(int32_t CodAcervo, int16_t CarregarLogs) {
       if (estado_.painel) estado_.painel->MostrarPlaylist(a.PastaDados);
 
       if (estado_.ModoDebug) EscreverDebug(u"Preparando a carregar tags");
-      CarregarColecao(ambiente_.Arquivos(), a, a.PastaDados, [this](long slot) {
-        // One line per line read, on purpose: the trace shows the exact line a load stopped at.
-        if (estado_.ModoDebug) EscreverDebug(u"Musica: " + DeUtf8(std::to_string(slot)));
-      });
+      // One line per line read, on purpose: the trace shows the exact line a load stopped at.
+      std::function<void(long)> aposLinha;
+      if (estado_.ModoDebug)
+        aposLinha = [this](long slot) { EscreverDebug(u"Musica: " + DeUtf8(std::to_string(slot))); };
+      CarregarColecao(ambiente_.Arquivos(), a, a.PastaDados, aposLinha);
     });
     if (insumos) {
       insumos->versaoAcervo = estado_.VersaoAcervo();

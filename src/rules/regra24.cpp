@@ -17,7 +17,7 @@ void RegraGeneroInfluente(Estado& e, const DescricaoRegra& regra, long campoUlti
   if (SortearPercentual(e) > ArredondarPar(ValorNumerico(r.Valor(1)))) return;
 
   const int16_t ultima = LocalizarMusica(e, h.HistoricoCodigos[h.TotalTocadas - 1]);
-  const Texto& referencia = e.acervo().AcervoTags(ultima, campoUltima);
+  const std::u16string_view referencia = e.acervo().AcervoTags(ultima, campoUltima);
   Selecao& s = e.selecao;
   for (long i = 0; i <= UltimoSlotDosLacos(e); ++i)
     if (s.MusicaCandidata[i] &&

@@ -146,7 +146,7 @@ const PedacosTexto& CacheTags::DoSlot(long slot, int16_t campo, const TagsAcervo
   // An entry never prepared is the form of the empty text at version 0, which is right: a table
   // never written holds only empty texts.
   if (versoes[i] != tags.Versao()) {
-    const Texto& texto = tags(slot, campo);
+    const std::u16string_view texto = tags(slot, campo);
     if (!p.MesmoTexto(texto)) p.Preparar(texto, TipoDoCampo(campo));
     versoes[i] = tags.Versao();
   }

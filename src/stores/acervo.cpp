@@ -1,7 +1,11 @@
 #include "stores/acervo.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <string>
-#include <unordered_set>
+#include <vector>
+
+#include "base/erro.h"
 
 #include "base/numeros.h"
 #include "stores/codec.h"
@@ -25,17 +29,56 @@ double CalcularVibe(const Acervo& acervo, long slot) {
 
 std::string NomeArquivoMusica(int32_t codigo) { return FormatarZeros(codigo, 7) + ".mre"; }
 
+void TagsAcervo::Definir(long slot, long campo, std::u16string_view texto) {
+  Celula& c = celulas_(slot, campo);
+  emUso_ -= c.tamanho;
+  if (texto.size() <= c.tamanho) {
+    // A reload mostly writes texts no longer than the ones they replace: they take that room.
+    std::char_traits<char16_t>::move(texto_.data() + c.inicio, texto.data(), texto.size());
+  } else {
+    if (texto_.size() + texto.size() > UINT32_MAX) {
+      c.tamanho = 0;
+      Compactar();
+      if (texto_.size() + texto.size() > UINT32_MAX)
+        throw ErroExecucao(CodigoErro::Estouro, "Overflow: texto de tag longo demais");
+    }
+    c.inicio = static_cast<uint32_t>(texto_.size());
+    texto_.append(texto);  // may be a text of this table: append copies before it lets go
+  }
+  c.tamanho = static_cast<uint32_t>(texto.size());
+  emUso_ += texto.size();
+  versao_ = ++proximaVersao_;
+  // Room given up by replaced texts is taken back once it outweighs what is in use.
+  if (texto_.size() > 2 * emUso_ + (1u << 20)) Compactar();
+}
+
+void TagsAcervo::Compactar() {
+  std::u16string novo;
+  novo.reserve(emUso_);
+  for (long s = 0; s < kTotalSlots; ++s) {
+    for (long k = 0; k < kCampos; ++k) {
+      Celula& c = celulas_(s, k);
+      const auto inicio = static_cast<uint32_t>(novo.size());
+      novo.append(texto_, c.inicio, c.tamanho);
+      c.inicio = c.tamanho ? inicio : 0;
+    }
+  }
+  texto_ = std::move(novo);
+}
+
 void CarregarColecao(SistemaArquivos& arquivos, Acervo& acervo, const fs::path& pasta,
                      const std::function<void(long slot)>& aposLinha) {
   const fs::path pastaMre = acervo.CaminhoApp / "mre";
+  const std::string prefixo = (pastaMre / "").string();
   // One listing of the media folder answers for every song in it; a name it lacks is still
   // looked up on its own, in case the file came after the listing.
-  std::unordered_set<std::string> midias;
+  std::vector<std::string> midias;
   try {
-    for (const fs::path& m : arquivos.Listar(pastaMre, ".mre")) midias.insert(m.filename().string());
+    midias = arquivos.ListarNomes(pastaMre, ".mre");
   } catch (const std::exception&) {
     midias.clear();
   }
+  std::sort(midias.begin(), midias.end());
   long s = 0;
   int k = 0;
   ParaCadaLinhaCodificada(arquivos, pasta / "lxdb.rdb", [&](Texto&& texto) {
@@ -43,7 +86,7 @@ void CarregarColecao(SistemaArquivos& arquivos, Acervo& acervo, const fs::path& 
       int32_t codigo = TextoParaInteiro32(texto);
       acervo.AcervoCodigos[s] = codigo;
     } else {
-      acervo.AcervoTags.Atribuir(s, k - 1, texto);
+      acervo.AcervoTags.Definir(s, k - 1, texto);
     }
     if (++k > 32) {
       double vibe = CalcularVibe(acervo, s);
@@ -51,10 +94,11 @@ void CarregarColecao(SistemaArquivos& arquivos, Acervo& acervo, const fs::path& 
       acervo.AcervoTags.Definir(s, kCampoVibe, FormatarNumero(vibe));
       k = 0;
       const std::string nome = NomeArquivoMusica(acervo.AcervoCodigos[s]);
-      acervo.AcervoArquivos[s] = pastaMre / nome;
+      std::string& arquivo = acervo.AcervoArquivos[s];
+      arquivo.assign(prefixo).append(nome);
       // Only an existing file of exactly that name keeps the song; otherwise the next
       // record takes its slot.
-      if (midias.contains(nome) || arquivos.ArquivoExiste(acervo.AcervoArquivos[s])) ++s;
+      if (std::binary_search(midias.begin(), midias.end(), nome) || arquivos.ArquivoExiste(arquivo)) ++s;
     }
     if (aposLinha) aposLinha(s);
   });

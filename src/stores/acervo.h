@@ -40,24 +40,30 @@ extern const std::array<std::u16string_view, kCampos> kNomesCampos;
 // through Definir, which gives the table a version never used before in the process, so a
 // prepared form of a tag that saw this version knows the text is still the same without
 // reading it. Equal versions mean the same writes, copies included.
+// The texts live end to end in one buffer (a full collection is 132,000 short texts, and one
+// allocation each made loading and freeing it cost more than decoding it); a text read stays
+// valid until the next write.
 class TagsAcervo {
  public:
-  const Texto& operator()(long slot, long campo) const { return tags_(slot, campo); }
-  void Definir(long slot, long campo, Texto texto) {
-    tags_(slot, campo) = std::move(texto);
-    versao_ = ++proximaVersao_;
+  std::u16string_view operator()(long slot, long campo) const {
+    const Celula c = celulas_(slot, campo);
+    return {texto_.data() + c.inicio, c.tamanho};
   }
-  // Definir by copy into the room the old text had, for loaders that reuse one buffer.
-  void Atribuir(long slot, long campo, std::u16string_view texto) {
-    tags_(slot, campo).assign(texto);
-    versao_ = ++proximaVersao_;
-  }
+  void Definir(long slot, long campo, std::u16string_view texto);
   // 0 until the first write: every text is then empty.
   uint64_t Versao() const { return versao_; }
 
  private:
+  struct Celula {
+    uint32_t inicio = 0;
+    uint32_t tamanho = 0;
+  };
+  void Compactar();
+
   inline static std::atomic<uint64_t> proximaVersao_{0};
-  Matriz<Texto, kTotalSlots, kCampos> tags_;
+  Matriz<Celula, kTotalSlots, kCampos> celulas_;
+  std::u16string texto_;
+  size_t emUso_ = 0;  // characters some cell still points at
   uint64_t versao_ = 0;
 };
 
@@ -66,7 +72,7 @@ struct Acervo {
   // Fields 0..31 as read; field 32 holds the vibe as text ("5,5"), its number in AcervoVibe.
   TagsAcervo AcervoTags;
   Vetor<double, 0, kUltimoSlot> AcervoVibe;
-  Vetor<fs::path, 0, kUltimoSlot> AcervoArquivos;
+  Vetor<std::string, 0, kUltimoSlot> AcervoArquivos;
   int16_t TotalMusicas = 0;
   fs::path CaminhoApp;
   fs::path PastaDados;

@@ -41,26 +41,56 @@ bool Baixo(char16_t c) { return c >= 0xDC00 && c <= 0xDFFF; }
 
 namespace {
 
-// Decodes `linha` into `saida`, which keeps its capacity from line to line.
+// Five digits read at once from an eight-byte load whose low five bytes are the group: -1 when
+// one of them is not a plain digit. The digits are moved to the top of the word so the word reads
+// as an eight-digit number with three leading zeros, folded pairwise by three multiplications.
+inline long CincoDigitos(uint64_t w) {
+  w <<= 24;
+  const uint64_t zeros = 0x3030303030000000ULL, mascara = 0xF0F0F0F0F0000000ULL;
+  if ((w & mascara) != zeros || ((w + 0x0606060606000000ULL) & mascara) != zeros) return -1;
+  w &= 0x0F0F0F0F0F0F0F0FULL;
+  w = (w * 2561) >> 8;  // 10 * 256 + 1
+  w = ((w & 0x00FF00FF00FF00FFULL) * 6553601) >> 16;  // 100 * 65536 + 1
+  return static_cast<long>(((w & 0x0000FFFF0000FFFFULL) * 42949672960001ULL) >> 32);  // 10000 * 2^32 + 1
+}
+
+// Decodes `linha` into `saida`, which keeps its capacity from line to line. `legiveis` is how many
+// characters may be read from the start of `linha`, past its end included: from a whole file in
+// memory, a group near a line's end can still be read eight bytes at a time.
 template <typename Char>
-void DecodificarEm(std::basic_string_view<Char> linha, Texto& saida) {
-  saida.clear();
+void DecodificarEm(std::basic_string_view<Char> linha, size_t legiveis, Texto& saida) {
   // 1-based positions 2, 7, 12, ... while p <= length - 1; the last group may be short.
   size_t p = 1;
   bool substitutos = false;
+  size_t n = 0;
   // Whole groups of five plain digits, the form every writer produces, in one tight loop; the
   // first group of another form and everything after it take the general path below.
-  for (; p + 5 <= linha.size(); p += 5) {
-    const Char* g = linha.data() + p;
-    const auto d0 = static_cast<unsigned>(g[0]) - '0', d1 = static_cast<unsigned>(g[1]) - '0',
-               d2 = static_cast<unsigned>(g[2]) - '0', d3 = static_cast<unsigned>(g[3]) - '0',
-               d4 = static_cast<unsigned>(g[4]) - '0';
-    if (d0 > 9 || d1 > 9 || d2 > 9 || d3 > 9 || d4 > 9) break;
-    const unsigned v = d0 * 10000 + d1 * 1000 + d2 * 100 + d3 * 10 + d4;
-    if (v > 65535) break;
-    substitutos |= v >= 0xD800 && v <= 0xDFFF;
-    saida.push_back(static_cast<char16_t>(v));
+  if (linha.size() > 5) {
+    saida.resize((linha.size() - 1) / 5);
+    char16_t* destino = saida.data();
+    if constexpr (sizeof(Char) == 1) {
+      for (; p + 5 <= linha.size() && p + 8 <= legiveis; p += 5) {
+        uint64_t w;
+        std::memcpy(&w, linha.data() + p, sizeof w);
+        const long v = CincoDigitos(w);
+        if (v < 0 || v > 65535) break;
+        substitutos |= v >= 0xD800 && v <= 0xDFFF;
+        destino[n++] = static_cast<char16_t>(v);
+      }
+    }
+    for (; p + 5 <= linha.size(); p += 5) {
+      const Char* g = linha.data() + p;
+      const auto d0 = static_cast<unsigned>(g[0]) - '0', d1 = static_cast<unsigned>(g[1]) - '0',
+                 d2 = static_cast<unsigned>(g[2]) - '0', d3 = static_cast<unsigned>(g[3]) - '0',
+                 d4 = static_cast<unsigned>(g[4]) - '0';
+      if (d0 > 9 || d1 > 9 || d2 > 9 || d3 > 9 || d4 > 9) break;
+      const unsigned v = d0 * 10000 + d1 * 1000 + d2 * 100 + d3 * 10 + d4;
+      if (v > 65535) break;
+      substitutos |= v >= 0xD800 && v <= 0xDFFF;
+      destino[n++] = static_cast<char16_t>(v);
+    }
   }
+  saida.resize(n);
   if (p + 2 <= linha.size()) substitutos = true;  // the general path does not track them
   for (; p + 2 <= linha.size(); p += 5) {
     std::basic_string_view<Char> grupo = linha.substr(p, 5);
@@ -89,7 +119,7 @@ void DecodificarEm(std::basic_string_view<Char> linha, Texto& saida) {
 
 Texto DecodificarLinha(std::u16string_view linha) {
   Texto saida;
-  DecodificarEm(linha, saida);
+  DecodificarEm(linha, linha.size(), saida);
   return saida;
 }
 
@@ -111,7 +141,7 @@ void ParaCadaLinhaCodificada(SistemaArquivos& arquivos, const std::filesystem::p
   Texto texto;
   if (!ascii) {
     for (const Texto& linha : DividirLinhas(DecodificarBytes(bytes))) {
-      DecodificarEm(std::u16string_view(linha), texto);
+      DecodificarEm(std::u16string_view(linha), linha.size(), texto);
       usar(std::move(texto));
     }
     return;
@@ -122,7 +152,7 @@ void ParaCadaLinhaCodificada(SistemaArquivos& arquivos, const std::filesystem::p
     size_t fim = resto.find('\n');
     std::string_view linha = resto.substr(0, fim);
     if (!linha.empty() && linha.back() == '\r') linha.remove_suffix(1);
-    DecodificarEm(linha, texto);
+    DecodificarEm(linha, static_cast<size_t>(bytes.data() + bytes.size() - linha.data()), texto);
     usar(std::move(texto));
     if (fim == std::string_view::npos) break;
     resto.remove_prefix(fim + 1);

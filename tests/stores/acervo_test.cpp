@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <random>
+#include <vector>
+
 #include "apoio/estacao.h"
 
 namespace lumavox {
@@ -101,6 +105,35 @@ TEST_F(CarregarAcervo, CabemQuatroMilEUmaMusicas) {
   estacao.GravarTexto("lxdb.rdb", estacao.Ler("lxdb.rdb") + estacao.Ler("extra/lxdb.rdb"));
   EXPECT_EQ(ErroDe([&] { Carregar(); }), CodigoErro::ForaDoIntervalo);
   EXPECT_EQ(acervo.TotalMusicas, kTotalSlots);
+}
+
+// The table against plain strings under many rewrites: longer, shorter, empty, copied from
+// another text of the same table, with enough churn that the room of replaced texts is taken
+// back several times.
+TEST(TagsAcervo, ReescritasGuardamCadaTexto) {
+  auto tags = std::make_unique<TagsAcervo>();
+  std::vector<Texto> esperado(static_cast<size_t>(kTotalSlots * kCampos));
+  std::mt19937 g(7);
+  uint64_t versao = tags->Versao();
+  for (int i = 0; i < 400000; ++i) {
+    const long s = static_cast<long>(g() % kTotalSlots), k = static_cast<long>(g() % kCampos);
+    Texto& alvo = esperado[static_cast<size_t>(s * kCampos + k)];
+    if (g() % 4 == 0) {
+      const long s2 = static_cast<long>(g() % kTotalSlots), k2 = static_cast<long>(g() % kCampos);
+      alvo = esperado[static_cast<size_t>(s2 * kCampos + k2)];
+      tags->Definir(s, k, (*tags)(s2, k2));
+    } else {
+      alvo = Texto(g() % 60, static_cast<char16_t>(u'a' + i % 26));
+      tags->Definir(s, k, alvo);
+    }
+    ASSERT_GT(tags->Versao(), versao);
+    versao = tags->Versao();
+  }
+  long diferentes = 0;
+  for (long s = 0; s < kTotalSlots; ++s)
+    for (long k = 0; k < kCampos; ++k) diferentes += (*tags)(s, k) != esperado[static_cast<size_t>(s * kCampos + k)];
+  EXPECT_EQ(diferentes, 0);
+  EXPECT_EQ(ErroDe([&] { tags->Definir(kTotalSlots, 0, u"x"); }), CodigoErro::ForaDoIntervalo);
 }
 
 }  // namespace
