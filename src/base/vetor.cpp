@@ -1,6 +1,5 @@
 #include "base/vetor.h"
 
-#include <bit>
 #include <cstring>
 
 namespace lumavox {
@@ -19,8 +18,10 @@ uint64_t PalavraDeFlags(const Booleano* p) {
 
 long ContarAmbos(const Booleano* a, const Booleano* b, long n) {
   long total = 0, i = 0;
-  // Each byte is 0 or 1, so the bits of the AND are the bytes where both are set.
-  for (; i + 8 <= n; i += 8) total += std::popcount(PalavraDeFlags(a + i) & PalavraDeFlags(b + i));
+  // Each byte of the AND is 0 or 1, so one multiplication adds the eight of them into the top
+  // byte (a bit count would be a library call on processors this build cannot assume).
+  for (; i + 8 <= n; i += 8)
+    total += static_cast<long>(((PalavraDeFlags(a + i) & PalavraDeFlags(b + i)) * 0x0101010101010101ULL) >> 56);
   for (; i < n; ++i) total += a[i].valor & b[i].valor;
   return total;
 }

@@ -1,5 +1,6 @@
 #include "engine/motor.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 
@@ -74,11 +75,28 @@ void Motor::DefinirAcervo(int32_t CodAcervo, int16_t CarregarLogs) {
       if (estado_.painel) estado_.painel->MostrarPlaylist(a.PastaDados);
 
       if (estado_.ModoDebug) EscreverDebug(u"Preparando a carregar tags");
+      // Only loads of known inputs are recorded, and never in debug mode (no inputs are known
+      // then): its trace shows every line read.
+      auto gravada = std::find_if(gravadas_.begin(), gravadas_.end(), [&](const CargaGravada& g) {
+        return insumos && g.insumos.pasta == insumos->pasta && g.insumos.lxdb == insumos->lxdb &&
+               g.insumos.mre == insumos->mre;
+      });
+      if (gravada != gravadas_.end()) {
+        RegravarColecao(a, gravada->gravacao);
+        return;
+      }
       // One line per line read, on purpose: the trace shows the exact line a load stopped at.
       std::function<void(long)> aposLinha;
       if (estado_.ModoDebug)
         aposLinha = [this](long slot) { EscreverDebug(u"Musica: " + DeUtf8(std::to_string(slot))); };
-      CarregarColecao(ambiente_.Arquivos(), a, a.PastaDados, aposLinha);
+      GravacaoAcervo gravacao;
+      CarregarColecao(ambiente_.Arquivos(), a, a.PastaDados, aposLinha, insumos ? &gravacao : nullptr);
+      if (!insumos) return;
+      // A few playlists' worth: each record is a few megabytes.
+      constexpr size_t kGravadas = 4;
+      std::erase_if(gravadas_, [&](const CargaGravada& g) { return g.insumos.pasta == insumos->pasta; });
+      if (gravadas_.size() >= kGravadas) gravadas_.erase(gravadas_.begin());
+      gravadas_.push_back({*insumos, std::move(gravacao)});
     });
     if (insumos) {
       insumos->versaoAcervo = estado_.VersaoAcervo();

@@ -87,6 +87,13 @@ class Motor {
   };
   std::optional<CargaAcervo> ultimaCarga_;
   std::optional<CargaAcervo> InsumosDoAcervo(const fs::path& pasta);
+  // What the last loads of a few playlists' collections wrote, by their inputs: a station that
+  // switches playlists by the hour writes a recorded load again instead of decoding its file.
+  struct CargaGravada {
+    CargaAcervo insumos;
+    GravacaoAcervo gravacao;
+  };
+  std::vector<CargaGravada> gravadas_;
 };
 
 }  // namespace lumavox

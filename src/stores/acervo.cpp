@@ -66,10 +66,71 @@ void TagsAcervo::Compactar() {
   texto_ = std::move(novo);
 }
 
+namespace {
+
+std::string PrefixoMidias(const Acervo& acervo) { return (acervo.CaminhoApp / "mre" / "").string(); }
+
+void Gravar(const Acervo& a, long slot, int campos, GravacaoAcervo& g) {
+  for (int k = 0; k < campos; ++k) {
+    const std::u16string_view t = a.AcervoTags(slot, k);
+    g.textos.append(t);
+    g.tamanhos.push_back(static_cast<uint32_t>(t.size()));
+  }
+}
+
+void Registrar(const Acervo& a, long total, int linhasNaSobra, bool descartada, GravacaoAcervo& g) {
+  g = GravacaoAcervo();
+  g.total = static_cast<int16_t>(total);
+  for (long s = 0; s < total; ++s) {
+    g.codigos.push_back(a.AcervoCodigos[s]);
+    g.vibes.push_back(a.AcervoVibe[s]);
+    Gravar(a, s, kCampos, g);
+  }
+  // A dropped song wrote the whole slot; an unfinished record after it, its first lines again.
+  g.camposNaSobra = descartada ? static_cast<int>(kCampos) : std::max(0, linhasNaSobra - 1);
+  g.codigoNaSobra = descartada || linhasNaSobra > 0;
+  if (total > kUltimoSlot) return;
+  if (g.codigoNaSobra) g.codigos.push_back(a.AcervoCodigos[total]);
+  if (descartada) {
+    g.vibes.push_back(a.AcervoVibe[total]);
+    g.arquivoNaSobra = a.AcervoArquivos[total];
+  }
+  Gravar(a, total, g.camposNaSobra, g);
+}
+
+}  // namespace
+
+void RegravarColecao(Acervo& acervo, const GravacaoAcervo& g) {
+  const std::string prefixo = PrefixoMidias(acervo);
+  size_t t = 0, inicio = 0;
+  auto Campos = [&](long slot, int campos) {
+    for (int k = 0; k < campos; ++k, ++t) {
+      acervo.AcervoTags.Definir(slot, k, std::u16string_view(g.textos).substr(inicio, g.tamanhos[t]));
+      inicio += g.tamanhos[t];
+    }
+  };
+  auto Arquivo = [&](long slot) {
+    acervo.AcervoArquivos[slot].assign(prefixo).append(NomeArquivoMusica(acervo.AcervoCodigos[slot]));
+  };
+  for (long s = 0; s < g.total; ++s) {
+    acervo.AcervoCodigos[s] = g.codigos[static_cast<size_t>(s)];
+    acervo.AcervoVibe[s] = g.vibes[static_cast<size_t>(s)];
+    Campos(s, static_cast<int>(kCampos));
+    Arquivo(s);
+  }
+  if (g.codigoNaSobra) acervo.AcervoCodigos[g.total] = g.codigos[static_cast<size_t>(g.total)];
+  if (g.camposNaSobra == kCampos) {
+    acervo.AcervoVibe[g.total] = g.vibes[static_cast<size_t>(g.total)];
+    acervo.AcervoArquivos[g.total] = g.arquivoNaSobra;
+  }
+  Campos(g.total, g.camposNaSobra);
+  acervo.TotalMusicas = g.total;
+}
+
 void CarregarColecao(SistemaArquivos& arquivos, Acervo& acervo, const fs::path& pasta,
-                     const std::function<void(long slot)>& aposLinha) {
+                     const std::function<void(long slot)>& aposLinha, GravacaoAcervo* gravacao) {
   const fs::path pastaMre = acervo.CaminhoApp / "mre";
-  const std::string prefixo = (pastaMre / "").string();
+  const std::string prefixo = PrefixoMidias(acervo);
   // One listing of the media folder answers for every song in it; a name it lacks is still
   // looked up on its own, in case the file came after the listing.
   std::vector<std::string> midias;
@@ -81,6 +142,7 @@ void CarregarColecao(SistemaArquivos& arquivos, Acervo& acervo, const fs::path& 
   std::sort(midias.begin(), midias.end());
   long s = 0;
   int k = 0;
+  bool descartada = false;  // a whole record was written into slot s and dropped
   ParaCadaLinhaCodificada(arquivos, pasta / "lxdb.rdb", [&](Texto&& texto) {
     if (k == 0) {
       int32_t codigo = TextoParaInteiro32(texto);
@@ -98,10 +160,13 @@ void CarregarColecao(SistemaArquivos& arquivos, Acervo& acervo, const fs::path& 
       arquivo.assign(prefixo).append(nome);
       // Only an existing file of exactly that name keeps the song; otherwise the next
       // record takes its slot.
-      if (std::binary_search(midias.begin(), midias.end(), nome) || arquivos.ArquivoExiste(arquivo)) ++s;
+      const bool existe = std::binary_search(midias.begin(), midias.end(), nome) || arquivos.ArquivoExiste(arquivo);
+      descartada = !existe;
+      if (existe) ++s;
     }
     if (aposLinha) aposLinha(s);
   });
+  if (gravacao) Registrar(acervo, s, k, descartada, *gravacao);
   acervo.TotalMusicas = static_cast<int16_t>(s);
 }
 

@@ -10,6 +10,7 @@
 #include <functional>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "base/sistema_arquivos.h"
 #include "base/texto.h"
@@ -83,11 +84,32 @@ double CalcularVibe(const Acervo& acervo, long slot);
 // Name of a song's media file: the code with at least seven digits and ".mre".
 std::string NomeArquivoMusica(int32_t codigo);
 
+// What one load of a collection wrote, and only that: every value of the kept songs' slots, and
+// of the slot after them whatever a dropped song or an unfinished last record left there. The
+// slots beyond keep what an earlier load left, so writing this again equals reading the same
+// files again into any collection.
+struct GravacaoAcervo {
+  int16_t total = 0;
+  std::vector<int32_t> codigos;    // slots 0..total-1, then the slot after them when written
+  std::vector<double> vibes;       // likewise; the slot after them only for a dropped song
+  std::u16string textos;           // the tags written, slot by slot, field by field
+  std::vector<uint32_t> tamanhos;  // the length of each of them
+  // The slot after the kept songs: how many of its fields were written from field 0 (33 for a
+  // dropped song, whose vibe and file were written too), and whether its code was.
+  int camposNaSobra = 0;
+  bool codigoNaSobra = false;
+  std::string arquivoNaSobra;  // the dropped song's file, named by its code, not the slot's last
+};
+
 // Reads `pasta`/lxdb.rdb into the collection, dropping songs whose .mre file is missing,
 // and sets TotalMusicas at the end. `aposLinha` runs after every line read with the slot
 // counter (the debug trace). Raises on a missing file, an undecodable line, a non-numeric
-// code or a 4002nd song; TotalMusicas then keeps its previous value.
+// code or a 4002nd song; TotalMusicas then keeps its previous value. When `gravacao` is given,
+// a load that completes records in it what it wrote.
 void CarregarColecao(SistemaArquivos& arquivos, Acervo& acervo, const fs::path& pasta,
-                     const std::function<void(long slot)>& aposLinha);
+                     const std::function<void(long slot)>& aposLinha, GravacaoAcervo* gravacao = nullptr);
+
+// Writes into the collection what a load recorded, as that load wrote it.
+void RegravarColecao(Acervo& acervo, const GravacaoAcervo& gravacao);
 
 }  // namespace lumavox

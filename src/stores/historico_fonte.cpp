@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <exception>
 #include <optional>
-#include <unordered_map>
 
 #include "base/erro.h"
+#include "base/mapa_inteiros.h"
 #include "base/numeros.h"
 
 namespace lumavox {
@@ -33,22 +33,20 @@ void Ignorando(F&& f) {
 class PrimeiroSlot {
  public:
   explicit PrimeiroSlot(const Acervo& acervo) {
-    slots_.reserve(kTotalSlots);
-    for (long s = 0; s <= kUltimoSlot; ++s)
-      slots_.emplace(acervo.AcervoCodigos[s], static_cast<int16_t>(s));
+    for (long s = 0; s <= kUltimoSlot; ++s) slots_.Inserir(acervo.AcervoCodigos[s], static_cast<int16_t>(s));
   }
 
   // The codes are whole 32-bit numbers, so a value with a fraction or out of range equals none.
   std::optional<long> Buscar(double valor) const {
     if (!(valor >= INT32_MIN && valor <= INT32_MAX) || std::trunc(valor) != valor)
       return std::nullopt;
-    auto it = slots_.find(static_cast<int32_t>(valor));
-    if (it == slots_.end()) return std::nullopt;
-    return it->second;
+    const int16_t* s = slots_.Procurar(static_cast<int32_t>(valor));
+    if (!s) return std::nullopt;
+    return *s;
   }
 
  private:
-  std::unordered_map<int32_t, int16_t> slots_;
+  MapaInteiros slots_;
 };
 
 // Opens a query and walks its rows; false when it could not run or failed midway.
