@@ -34,13 +34,27 @@ bool SoIguais(const Texto& a, const Texto& b) { return a == b; }
 
 ChaveRegra Regra(int numero, const char16_t* id) { return {0, numero, id}; }
 
-TEST(Figuras, TocadasContadasNaHoraEmQueComecaram) {
+TEST(Figuras, TocadasPorHoraPorMusicaEMaisTocadas) {
   Dia d;
-  d.Toca(10, 0, 1, u"A").Toca(10, 59, 2, u"B", u"", true).Toca(11, 0, 3, u"C").Toca(12, 59, 4, u"D", u"", true);
-  const Figuras f = CalcularFiguras(d.s, SoIguais);
-  ASSERT_EQ(f.porHora.size(), 3u);
-  EXPECT_EQ(f.porHora, (std::vector<std::pair<DataHora, long>>{{As(10, 0), 2}, {As(11, 0), 1}, {As(12, 0), 1}}));
+  d.s.acervo = {{40, u"D", u"Quatro"}, {10, u"A", u""}, {30, u"C", u"Três"}, {20, u"B", u""}};
+  d.Toca(10, 0, 30, u"C").Toca(10, 59, 20, u"B", u"Primeira", true).Toca(11, 0, 5, u"E");
+  d.Toca(11, 9, 20, u"B", u"Outra").Toca(12, 59, 30, u"C", u"", true).Toca(12, 59, 7, u"F");
+  const Figuras f = CalcularFiguras(d.s, SoIguais, 3);
+  // Each play counts in the hour it started.
+  EXPECT_EQ(f.porHora, (std::vector<std::pair<DataHora, long>>{{As(10, 0), 2}, {As(11, 0), 2}, {As(12, 0), 2}}));
   EXPECT_EQ(f.avancadas, 2);
+  // Ties by code; a song is named as it first aired.
+  ASSERT_EQ(f.maisTocadas.size(), 3u);
+  EXPECT_EQ(f.maisTocadas[0].codigo, 20);
+  EXPECT_EQ(f.maisTocadas[0].titulo, u"Primeira");
+  EXPECT_EQ(f.maisTocadas[0].vezes, 2);
+  EXPECT_EQ(f.maisTocadas[1].codigo, 30);
+  EXPECT_EQ(f.maisTocadas[2].codigo, 5);
+  // How many songs played each number of times; the never played named as the collection has them.
+  EXPECT_EQ(f.musicasPorVezes, (std::vector<long>{2, 2, 2}));
+  ASSERT_EQ(f.nuncaTocadas.size(), 2u);
+  EXPECT_EQ(f.nuncaTocadas[0].codigo, 10);
+  EXPECT_EQ(f.nuncaTocadas[1].titulo, u"Quatro");
 }
 
 TEST(Figuras, MenorIntervaloEmMusicasEEmMinutosVemDeParesDiferentes) {
@@ -71,31 +85,6 @@ TEST(Figuras, ArtistaPelaComparacaoDadaETituloSemCaixa) {
   ASSERT_TRUE(f.titulo.musicas);
   EXPECT_EQ(f.titulo.musicas->valor, 2);
   EXPECT_EQ(f.titulo.musicas->quem, u"LUZ");
-}
-
-TEST(Figuras, MaisTocadasPorVezesEmpatesPorCodigo) {
-  Dia d;
-  d.Toca(10, 0, 30, u"C").Toca(10, 3, 20, u"B", u"Primeira").Toca(10, 6, 10, u"A").Toca(10, 9, 20, u"B", u"Outra");
-  d.Toca(10, 12, 30, u"C").Toca(10, 15, 5, u"E");
-  const Figuras f = CalcularFiguras(d.s, SoIguais, 3);
-  ASSERT_EQ(f.maisTocadas.size(), 3u);
-  EXPECT_EQ(f.maisTocadas[0].codigo, 20);
-  EXPECT_EQ(f.maisTocadas[0].titulo, u"Primeira");  // named as it first aired
-  EXPECT_EQ(f.maisTocadas[0].vezes, 2);
-  EXPECT_EQ(f.maisTocadas[1].codigo, 30);
-  EXPECT_EQ(f.maisTocadas[2].codigo, 5);
-  EXPECT_EQ(f.maisTocadas[2].vezes, 1);
-}
-
-TEST(Figuras, VezesDeCadaMusicaDoAcervoComAsNuncaTocadas) {
-  Dia d;
-  d.s.acervo = {{40, u"D", u"Quatro"}, {10, u"A", u""}, {30, u"C", u"Três"}, {20, u"B", u""}};
-  d.Toca(10, 0, 10, u"A").Toca(10, 3, 20, u"B").Toca(10, 6, 10, u"A").Toca(10, 9, 10, u"A");
-  const Figuras f = CalcularFiguras(d.s, SoIguais);
-  EXPECT_EQ(f.musicasPorVezes, (std::vector<long>{2, 1, 0, 1}));
-  ASSERT_EQ(f.nuncaTocadas.size(), 2u);
-  EXPECT_EQ(f.nuncaTocadas[0].codigo, 30);  // in code order, named as the collection has them
-  EXPECT_EQ(f.nuncaTocadas[1].titulo, u"Quatro");
 }
 
 TEST(Figuras, MaisTocadaComOQueSuasSelecoesDeixaram) {

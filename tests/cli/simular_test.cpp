@@ -1,8 +1,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include <filesystem>
-#include <map>
+#include <algorithm>
 
 #include "apoio/estacao.h"
 #include "apoio/linha_comando.h"
@@ -10,7 +9,6 @@
 namespace lumavox::cli {
 namespace {
 
-namespace fs = std::filesystem;
 using teste::EstacaoTeste;
 using teste::RodarCli;
 
@@ -103,45 +101,31 @@ TEST(Simular, OutrasRegrasNoMesmoPeriodoERegrasNegadasPorHora) {
   GravarEstacao(estacao);
   // Fifteen artists cannot stay away for three hours at twenty songs an hour: the rule is
   // refused once each has played.
-  estacao
-      .Regra(0, true, "02", "(X1) tocar o mesmo (X2) em um período de (X3) horas",
-             {"Não", "Artista:Geral*", "3"})
-      .GravarRegras();
-  const teste::ResultadoCli exportadas =
-      RodarCli({"regras", "exportar", "--dir", estacao.Pasta().string()});
-  ASSERT_EQ(exportadas.codigo, 0) << exportadas.erros;
-  estacao.GravarTexto("mesmas.toml", exportadas.saida);
-  std::string meiaHora = exportadas.saida;
-  const std::string tresHoras = "var3 = \"3\"";
-  meiaHora.replace(meiaHora.find(tresHoras), tresHoras.size(), "var3 = \"0,5\"");
-  estacao.GravarTexto("meia_hora.toml", meiaHora);
-  auto Rodar = [&](const std::string& toml) {
+  estacao.Regra(0, true, "02", "", {"Não", "Artista:Geral*", "3"}).GravarRegras();
+  std::string toml = RodarCli({"regras", "exportar", "--dir", estacao.Pasta().string()}).saida;
+  estacao.GravarTexto("mesmas.toml", toml);
+  toml.replace(toml.find("var3 = \"3\""), 10, "var3 = \"0,5\"");
+  estacao.GravarTexto("meia_hora.toml", toml);
+  auto Rodar = [&](const std::string& regras) {
     const teste::ResultadoCli r =
-        RodarCli({"simular", "--dir", estacao.Pasta().string(), "--inicio", "2026-11-22 22:00",
-                  "--horas", "3", "--nivel", "50", "--seed", "3", "--json", "--regras",
-                  estacao.Caminho(toml).string()});
+        RodarCli({"simular", "--dir", estacao.Pasta().string(), "--inicio", "2026-11-22 22:00", "--horas", "3",
+                  "--nivel", "50", "--seed", "3", "--json", "--regras", estacao.Caminho(regras).string()});
     EXPECT_EQ(r.codigo, 0) << r.erros;
     return nlohmann::json::parse(r.saida);
   };
 
   const auto mesmas = Rodar("mesmas.toml");
-  ASSERT_TRUE(mesmas.contains("alternativa"));
   EXPECT_EQ(Sequencia(mesmas["alternativa"]), Sequencia(mesmas));
-  EXPECT_EQ(mesmas["alternativa"]["regras"], mesmas["regras"]);
   const auto regra = mesmas["regras"][0];
   ASSERT_GT(regra["negada"].get<int>(), 0);
-  // Refused in the simulated hours of day only, late in the first hour at the earliest.
+  // Refused in the simulated hours of day only.
   long soma = 0;
   for (int hora = 0; hora < 24; ++hora) {
     const long n = regra["negada_por_hora"][static_cast<size_t>(hora)];
     soma += n;
-    if (hora != 22 && hora != 23 && hora != 0) {
-      EXPECT_EQ(n, 0) << hora;
-    }
+    EXPECT_TRUE(n == 0 || hora == 22 || hora == 23 || hora == 0) << hora;
   }
   EXPECT_EQ(soma, regra["negada"].get<long>());
-  for (const auto& t : mesmas["sequencia"])
-    EXPECT_TRUE(t["restantes"] >= 1 && t["restantes"] <= 60) << t;
 
   const auto outras = Rodar("meia_hora.toml");
   EXPECT_NE(Sequencia(outras["alternativa"]), Sequencia(outras));
@@ -149,33 +133,30 @@ TEST(Simular, OutrasRegrasNoMesmoPeriodoERegrasNegadasPorHora) {
   EXPECT_LT(outras["alternativa"]["regras"][0]["negada"].get<int>(), regra["negada"].get<int>());
 }
 
+// Bad arguments end in one line; a rules text that does not read stops before the first song.
 TEST(Simular, ErrosDeArgumentoEmUmaLinha) {
   EstacaoTeste estacao;
   GravarEstacao(estacao);
   estacao.GravarRegras();
   estacao.GravarTexto("ruim.txt", "06:00 20\n7h 30\n");
-  const std::string dir = estacao.Pasta().string();
-  const std::vector<std::vector<std::string>> casos{
-      {"simular", "--dir", dir, "--curva", estacao.Caminho("ruim.txt").string()},
-      {"simular", "--dir", dir, "--nivel", "50", "--curva", estacao.Caminho("ruim.txt").string()},
-      {"simular", "--dir", dir, "--nivel", "101"},
-      {"simular", "--dir", dir, "--inicio", "amanhã"},
-      {"simular", "--dir", estacao.Caminho("falta").string()},
-      {"simular", "--dir", dir, "--regras", estacao.Caminho("ruim.txt").string()},
-      {"simular", "--dir", dir, "--regras", estacao.Caminho("vazio.toml").string()},
-  };
   estacao.GravarTexto("vazio.toml", "# nada\n");
-  for (const auto& args : casos) {
+  const std::string dir = estacao.Pasta().string(), ruim = estacao.Caminho("ruim.txt").string();
+  const std::pair<std::vector<std::string>, int> casos[] = {
+      {{"--curva", ruim}, -1},
+      {{"--nivel", "50", "--curva", ruim}, -1},
+      {{"--nivel", "101"}, -1},
+      {{"--inicio", "amanhã"}, -1},
+      {{"--regras", ruim}, 2},
+      {{"--regras", estacao.Caminho("vazio.toml").string()}, 2},
+  };
+  for (const auto& [opcoes, codigo] : casos) {
+    std::vector<std::string> args{"simular", "--dir", dir};
+    args.insert(args.end(), opcoes.begin(), opcoes.end());
     const teste::ResultadoCli r = RodarCli(args);
-    EXPECT_NE(r.codigo, 0) << args.back();
+    EXPECT_TRUE(codigo < 0 ? r.codigo != 0 : r.codigo == codigo && r.saida.empty()) << args.back();
     EXPECT_EQ(std::count(r.erros.begin(), r.erros.end(), '\n'), 1) << r.erros;
   }
-  // A rules text that does not read stops before the first simulated song.
-  for (size_t i : {5u, 6u}) {
-    const teste::ResultadoCli r = RodarCli(casos[i]);
-    EXPECT_EQ(r.codigo, 2) << r.erros;
-    EXPECT_TRUE(r.saida.empty()) << r.saida;
-  }
+  EXPECT_NE(RodarCli({"simular", "--dir", estacao.Caminho("falta").string()}).codigo, 0);
 }
 
 }  // namespace
