@@ -98,6 +98,7 @@ class BancoConverter : public ::testing::Test {
   teste::EstacaoTeste estacao;
 };
 
+// An empty lumavox.db is filled; an earlier conversion's original is kept under its name.
 TEST_F(BancoConverter, LevaCadaRegistroEOMotorCarregaOMesmoHistorico) {
   GravarMdb(LogDaEstacao());
   const std::string antes = Historico();
@@ -105,31 +106,23 @@ TEST_F(BancoConverter, LevaCadaRegistroEOMotorCarregaOMesmoHistorico) {
   ASSERT_EQ((" " + antes.substr(0, antes.find('\n'))).find(" 0@"), std::string::npos);
   ASSERT_NE(antes.find("\n1:"), std::string::npos);
   ASSERT_NE(antes.find(" 1@"), std::string::npos);
+  estacao.GravarTexto("lumavox.mdb.convertido", "de antes");
+  CriarBancoLogs(estacao.Caminho(kArquivoLogsSqlite));
 
   const auto r = Converter();
   ASSERT_EQ(r.codigo, 0) << r.erros;
   EXPECT_EQ(r.saida,
             "convertido: 649 registros de lumavox.mdb para lumavox.db; o original ficou em "
-            "lumavox.mdb.convertido\n");
-  EXPECT_EQ(estacao.Conteudo().size(), 2u);
-  EXPECT_TRUE(estacao.Existe("lumavox.mdb.convertido"));
+            "lumavox.mdb.convertido.2\n");
+  EXPECT_EQ(estacao.Conteudo().size(), 3u);
+  EXPECT_EQ(estacao.Ler("lumavox.mdb.convertido"), "de antes");
+  EXPECT_TRUE(estacao.Existe("lumavox.mdb.convertido.2"));
   EXPECT_EQ(ContarRegistrosLogs(estacao.Caminho(kArquivoLogsSqlite)), 649);
   EXPECT_EQ(Historico(), antes);
   EXPECT_EQ(
       Registros("1, 900, 901, 902, 903"),
       "1 1000 '2026-03-01 06:00:00' 0 | 900 NULL '2026-03-01 06:00:00' 5 | "
       "901 1001 NULL 5 | 902 1002 '1898-01-01 12:00:00' 5 | 903 1003 '2026-03-01 06:00:00' NULL");
-}
-
-TEST_F(BancoConverter, EncheBancoVazioEGuardaOOriginalSemApagarConversaoAnterior) {
-  GravarMdb(LogDaEstacao());
-  estacao.GravarTexto("lumavox.mdb.convertido", "de antes");
-  CriarBancoLogs(estacao.Caminho(kArquivoLogsSqlite));
-  const auto r = Converter();
-  ASSERT_EQ(r.codigo, 0) << r.erros;
-  EXPECT_NE(r.saida.find("ficou em lumavox.mdb.convertido.2\n"), std::string::npos);
-  EXPECT_EQ(estacao.Ler("lumavox.mdb.convertido"), "de antes");
-  EXPECT_EQ(ContarRegistrosLogs(estacao.Caminho(kArquivoLogsSqlite)), 649);
 }
 
 // Each refusal is one line on stderr and leaves the folder as it was, file for file.

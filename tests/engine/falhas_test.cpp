@@ -257,8 +257,9 @@ TEST_F(Falhas, FilaQueNaoSeRenomeiaLevaAMidiaJunto) {
   EXPECT_TRUE(arquivos.Listar(estacao.Caminho("list"), std::string(kTerminacaoParcial)).empty());
 }
 
-// The faults of the log database, each applied to a good one.
-enum class DefeitoBanco { Ausente, Truncado, Lixo, Bloqueado };
+// The faults of the log database, each applied to a good one. A Jet file beside it, even a
+// broken one, is read instead.
+enum class DefeitoBanco { Ausente, Truncado, Lixo, Bloqueado, JetQuebrado };
 
 class FalhasBanco : public Falhas, public ::testing::WithParamInterface<DefeitoBanco> {};
 
@@ -280,9 +281,12 @@ TEST_P(FalhasBanco, HistoricoFicaComoEstavaEAEscolhaSegue) {
     case DefeitoBanco::Truncado: estacao.GravarTexto("lumavox.db", bom.substr(0, bom.size() / 3)); break;
     case DefeitoBanco::Lixo: estacao.GravarTexto("lumavox.db", std::string(bom.size(), 'x')); break;
     case DefeitoBanco::Bloqueado:
+      // A database kept in the older rollback mode can still be locked by its writer.
       ASSERT_EQ(sqlite3_open(estacao.Caminho("lumavox.db").c_str(), &escritor), SQLITE_OK);
-      ASSERT_EQ(sqlite3_exec(escritor, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
+      ASSERT_EQ(sqlite3_exec(escritor, "PRAGMA journal_mode=DELETE; BEGIN EXCLUSIVE", nullptr, nullptr, nullptr),
+                SQLITE_OK);
       break;
+    case DefeitoBanco::JetQuebrado: estacao.GravarTexto("lumavox.mdb", "not a Jet file"); break;
   }
   const std::string antes = estacao.Existe("lumavox.db") ? estacao.Ler("lumavox.db") : "";
   const auto inicio = std::chrono::steady_clock::now();
@@ -291,6 +295,7 @@ TEST_P(FalhasBanco, HistoricoFicaComoEstavaEAEscolhaSegue) {
   if (GetParam() != DefeitoBanco::Truncado) {
     EXPECT_EQ(h.HistoricoCodigos[-1], 1 + 399 % 60);
   }
+  EXPECT_EQ(estacao.Existe("lumavox.db"), GetParam() != DefeitoBanco::Ausente);  // none is created
   EXPECT_EQ(motor->TestarRegras().selecoes.size(), 2u);
   TocarAteRecarregar();
   EXPECT_EQ(Fila().size(), 2u);
@@ -303,7 +308,7 @@ TEST_P(FalhasBanco, HistoricoFicaComoEstavaEAEscolhaSegue) {
 
 INSTANTIATE_TEST_SUITE_P(Defeitos, FalhasBanco,
                          ::testing::Values(DefeitoBanco::Ausente, DefeitoBanco::Truncado, DefeitoBanco::Lixo,
-                                           DefeitoBanco::Bloqueado));
+                                           DefeitoBanco::Bloqueado, DefeitoBanco::JetQuebrado));
 
 // The rule entries of the latest selection, by rule number.
 std::vector<Texto> RegrasDaUltima(const Motor& m) {
