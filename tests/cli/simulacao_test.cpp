@@ -71,32 +71,6 @@ TEST(Figuras, MenorIntervaloEmMusicasEEmMinutosVemDeParesDiferentes) {
   EXPECT_FALSE(f.titulo.musicas || f.titulo.minutos);
 }
 
-TEST(Figuras, EspacamentoEmMusicasEMinutosComPercentis) {
-  Dia d;
-  // A at 10:00, 10:10, 10:40 and 12:40 with one B between each: gaps of 2 songs and 10, 30 and
-  // 120 minutes; B's gaps 2 songs and 20, 70 minutes. Titles never repeat.
-  d.Toca(10, 0, 1, u"A").Toca(10, 5, 2, u"B").Toca(10, 10, 3, u"A").Toca(10, 25, 4, u"B");
-  d.Toca(10, 40, 5, u"A").Toca(11, 35, 6, u"B").Toca(12, 40, 7, u"A");
-  const Figuras f = CalcularFiguras(d.s, SoIguais);
-  const Espacamento& e = f.espacoArtista;
-  EXPECT_EQ(e.intervalos, 5);
-  ASSERT_TRUE(e.minutos && e.musicas);
-  EXPECT_EQ(e.minutos->minimo, 10);
-  EXPECT_EQ(e.minutos->p5, 10);
-  EXPECT_EQ(e.minutos->p25, 20);  // the 2nd of 10, 20, 30, 70, 120
-  EXPECT_EQ(e.minutos->mediana, 30);
-  EXPECT_EQ(e.musicas->mediana, 2);
-  // 0–15, 15–30, 30–45, 60–90 and 120–180 minutes.
-  EXPECT_EQ(e.histograma, (std::vector<long>{1, 1, 1, 0, 1, 0, 1, 0, 0, 0, 0, 0, 0, 0}));
-  ASSERT_EQ(e.menores.size(), 2u);
-  EXPECT_EQ(e.menores[0].quem, u"A");
-  EXPECT_EQ(e.menores[0].intervalos, 3);
-  EXPECT_EQ(e.menores[1].minutos, 20);
-  EXPECT_EQ(f.espacoTitulo.intervalos, 0);
-  EXPECT_FALSE(f.espacoTitulo.minutos);
-  EXPECT_EQ(Percentil({}, 50), 0);
-}
-
 // What the JSON report leaves out or writes as null: a repeat that never happened, an error
 // only when a rule had one.
 TEST(SimulacaoJson, RepeticaoAusenteNulaErroSoQuandoHouve) {

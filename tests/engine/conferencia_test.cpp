@@ -201,21 +201,6 @@ TEST(Conferencia, EstacaoLimpaEDemoNaoTemNadaENadaMudaNaPasta) {
   EXPECT_EQ(Retrato(), antes);
 }
 
-TEST(Conferencia, AcervoCheioApontaAMusicaDoUltimoLugar) {
-  EstacaoTeste estacao;
-  cli::OpcoesDemo op;
-  op.musicas = 4001;
-  op.bytesMre = 1;
-  op.playlistNoturna = false;
-  op.tocadasNoBanco = 0;
-  cli::GerarEstacaoDemo(estacao.Pasta(), op);
-  const std::vector<Constatacao> lista = Conferir(estacao);
-  ASSERT_EQ(lista.size(), 1u) << Listar(lista);
-  EXPECT_EQ(FormatarConstatacao(lista[0]).rfind(
-                "erro: lxdb.rdb:132001: acervo cheio (4001 músicas): a música desta linha (código 29000)", 0),
-            0u);
-}
-
 TEST(Conferencia, LinhaDeComandoEmTextoEJsonSaiCom1SoComErro) {
   EstacaoTeste estacao;
   SongsDe(estacao, 50);
