@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <string>
 
+#include "cli/curva_nivel.h"
 #include "cli/simulacao.h"
+#include "cli/simulacao_html.h"
 #include "cli/simulacao_json.h"
 
 namespace lumavox::cli {
@@ -84,6 +87,95 @@ TEST(SimulacaoJson, RepeticaoAusenteNulaErroSoQuandoHouve) {
   EXPECT_EQ(j["menor_intervalo"]["titulo"]["minutos"]["quem"], "Canção");
   EXPECT_FALSE(j["regras"][0].contains("ultimo_erro"));
   EXPECT_EQ(j["regras"][1]["ultimo_erro"], "Erro 6: estouro");
+}
+
+// Two hours, three plays by an artist whose name would break the markup, which comes back once.
+Simulacao DuasHoras() {
+  Simulacao s;
+  s.estacao = "/rádio & cia";
+  s.inicio = MontarDataHora(2026, 3, 14, 8, 0);
+  s.fim = MontarDataHora(2026, 3, 14, 10, 0);
+  s.origemNivel = "fixo em 50";
+  s.niveis = {{s.inicio, 50}};
+  const Texto nomes[] = {u"<b>Ana</b> & \"Bia\"", u"Caio", u"<b>Ana</b> & \"Bia\""};
+  for (int i = 0; i < 3; ++i) {
+    TocadaSimulada t;
+    t.momento = SomarSegundos(s.inicio, i * 90);
+    t.codigo = 10 + i;
+    t.artista = nomes[i];
+    t.titulo = u"Faixa " + DeUtf8(std::to_string(i));
+    s.tocadas.push_back(t);
+  }
+  s.regras[{0, 1, u"01"}] = {0, 1, u"01", u"<x>", 1, 0, 0, 0, 1, "falhou <aqui>"};
+  s.avisos = {"fila <vazia>"};
+  return s;
+}
+
+std::string Html(const Simulacao& s) {
+  return SimulacaoHtml(s, CalcularFiguras(s, SoIguais));
+}
+
+TEST(SimulacaoHtml, TextoDaEstacaoEscapadoEmTodaParte) {
+  const std::string html = Html(DuasHoras());
+  for (const char* cru : {"<b>Ana", "<x>", "<aqui>", "<vazia>"}) EXPECT_EQ(html.find(cru), std::string::npos) << cru;
+  EXPECT_NE(html.find("/rádio &amp; cia"), std::string::npos);
+  EXPECT_NE(html.find("title='falhou &lt;aqui&gt;'"), std::string::npos);
+  // The shortest repeat: two songs apart, three minutes.
+  EXPECT_NE(html.find("<b>2 músicas</b><br><small>&lt;b&gt;Ana&lt;/b&gt; &amp; &quot;Bia&quot;: 08:00 e 08:03"),
+            std::string::npos);
+  EXPECT_NE(html.find("<td>nenhuma repetição</td>"), std::string::npos);  // titles never repeat
+}
+
+TEST(SimulacaoHtml, ConferenciaNaPrimeiraPaginaPorArquivoESoQuandoAchouAlgo) {
+  Simulacao s = DuasHoras();
+  EXPECT_EQ(Html(s).find("Conferência da estação"), std::string::npos);
+  s.conferencia = {{NivelConstatacao::Erro, "lxdb.rdb", std::nullopt, "só <5> músicas"},
+                   {NivelConstatacao::Aviso, "pl.rdb", 1, "linha ignorada"},
+                   {NivelConstatacao::Aviso, "pl.rdb", 2, "outra"}};
+  const std::string html = Html(s);
+  const size_t secao = html.find("<h2 id='conferencia'>Conferência da estação</h2>");
+  ASSERT_NE(secao, std::string::npos);
+  EXPECT_LT(secao, html.find("<h2>Vibe"));
+  const std::string arquivo = "<h3><code>pl.rdb</code></h3>";
+  EXPECT_NE(html.find(arquivo), std::string::npos);
+  EXPECT_EQ(html.find(arquivo), html.rfind(arquivo));
+  EXPECT_NE(html.find("<li class='erro'><b>erro</b>: só &lt;5&gt; músicas</li>"), std::string::npos);
+  EXPECT_NE(html.find("<li><b>aviso</b>, linha 2: outra</li>"), std::string::npos);
+}
+
+DataHora Dia14(int hora, int minuto) { return MontarDataHora(2026, 3, 14, hora, minuto); }
+
+TEST(CurvaNivel, NivelDoUltimoPontoAteOMomentoEVoltaDaVespera) {
+  // Out of order, with comments, blanks and two points at one time: the later line wins.
+  const CurvaNivel c = LerCurvaNivel("# tarde\n18:00 70  # pico\n\n06:00 20\n12:00 40\n12:00 45\n", "dia.txt");
+  ASSERT_EQ(c.pontos.size(), 4u);
+  EXPECT_EQ(c.pontos.front().first, 6 * 3600);
+  EXPECT_EQ(c.NivelEm(Dia14(5, 59)), 70);  // still last night's point
+  EXPECT_EQ(c.NivelEm(Dia14(6, 0)), 20);
+  EXPECT_EQ(c.NivelEm(Dia14(11, 59)), 20);
+  EXPECT_EQ(c.NivelEm(Dia14(12, 0)), 45);
+  EXPECT_EQ(c.NivelEm(Dia14(23, 59)), 70);
+}
+
+TEST(CurvaNivel, ProximaMudancaDepoisDoMomentoEPassaParaOOutroDia) {
+  const CurvaNivel c = LerCurvaNivel("06:00 20\n18:30 70\n", "dia.txt");
+  EXPECT_EQ(c.ProximaMudanca(Dia14(0, 0)), Dia14(6, 0));
+  EXPECT_EQ(c.ProximaMudanca(Dia14(6, 0)), Dia14(18, 30));  // strictly after
+  EXPECT_EQ(c.ProximaMudanca(Dia14(18, 30)), MontarDataHora(2026, 3, 15, 6, 0));
+  EXPECT_EQ(c.ProximaMudanca(Dia14(23, 59)), MontarDataHora(2026, 3, 15, 6, 0));
+}
+
+TEST(CurvaNivel, LinhaQueNaoLeDizArquivoENumero) {
+  for (const std::string ruim : {"24:00 10", "7h 30", "06:60 10", "06:00", "06:00 10 20", "06:00 101", "06:00 -1",
+                                 "06:00 5,5", "06:00 alto"}) {
+    try {
+      LerCurvaNivel("# cabeçalho\n05:00 10\n" + ruim + "\n", "dia.txt");
+      ADD_FAILURE() << ruim;
+    } catch (const std::runtime_error& e) {
+      EXPECT_EQ(std::string(e.what()).rfind("dia.txt:3: ", 0), 0u) << e.what();
+    }
+  }
+  EXPECT_THROW(LerCurvaNivel("# só comentário\n\n", "vazia.txt"), std::runtime_error);
 }
 
 }  // namespace
