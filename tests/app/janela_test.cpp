@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QCheckBox>
-#include <QElapsedTimer>
 #include <QImage>
 #include <QLabel>
 #include <QLineEdit>
@@ -16,7 +15,6 @@
 #include <csignal>
 
 #include "apoio/estacao.h"
-#include "app/ambiente_janela.h"
 #include "app/arvore_log.h"
 #include "app/cls_tray_icon.h"
 #include "app/lista_arquivos.h"
@@ -140,59 +138,6 @@ TEST_F(Janela, SigtermEncerraComoFechar) {
   QSignalSpy encerrou(form.get(), &RegrasTeste::ProgramaEncerrado);
   std::raise(SIGTERM);
   EXPECT_TRUE(QTest::qWaitFor([&] { return encerrou.count() == 1; }, 2000));
-}
-
-TEST(AmbienteJanela, EsperaAtendeEventosEFechamentoAInterrompe) {
-  AmbienteJanela ambiente;
-  bool atendido = false;
-  QTimer::singleShot(0, [&] { atendido = true; });
-  ambiente.Esperar(30);
-  EXPECT_TRUE(atendido);
-
-  QTimer::singleShot(20, [&] { ambiente.Interromper(); });
-  QElapsedTimer relogio;
-  relogio.start();
-  EXPECT_THROW(ambiente.Esperar(60000), Encerramento);
-  EXPECT_LT(relogio.elapsed(), 5000);
-  EXPECT_THROW(ambiente.Esperar(0), Encerramento);
-}
-
-TEST(ArvoreLog, GuardaAsSelecoesQueOLogGuardaEAcompanhaAUltima) {
-  LogRegras log;
-  ArvoreLog arvore;
-  auto Selecao = [](int n, const char16_t* texto) {
-    NoLog no;
-    no.chave = "P" + std::to_string(n);
-    no.texto = texto;
-    return no;
-  };
-  for (int n = 0; n < 60; ++n) {
-    log.NovaSelecao(Selecao(n, u"NOVA"));
-    if (n % 7 == 0) arvore.Sincronizar(log);
-  }
-  arvore.Sincronizar(log);
-  ASSERT_EQ(arvore.topLevelItemCount(), static_cast<int>(LogRegras::kSelecoesGuardadas));
-  EXPECT_EQ(ArvoreLog::Chave(arvore.topLevelItem(0)), "P10");
-  EXPECT_TRUE(arvore.topLevelItem(49)->isExpanded());
-  EXPECT_FALSE(arvore.topLevelItem(48)->isExpanded());
-
-  NoLog regra;
-  regra.chave = "R59_1";
-  regra.musicas = {{1000, 0}, {1007, 1}};
-  log.Atual()->filhos.push_back(regra);
-  arvore.Sincronizar(log);
-  QTreeWidgetItem* item = ArvoreLog::ProcurarFilho(arvore.topLevelItem(49), "R59_1");
-  ASSERT_NE(item, nullptr);
-  item->setExpanded(true);
-  ASSERT_EQ(item->childCount(), 2);
-  EXPECT_EQ(ArvoreLog::Chave(item->child(1)), "n59_1_1");
-  EXPECT_EQ(item->child(1)->text(0), "1007");
-
-  // A selection replaced under the same key is drawn again.
-  log.NovaSelecao(Selecao(59, u"OUTRA"));
-  arvore.Sincronizar(log);
-  EXPECT_EQ(arvore.topLevelItem(49)->text(0), "OUTRA");
-  EXPECT_EQ(arvore.topLevelItem(49)->childCount(), 0);
 }
 
 TEST(TrayIcon, DicaCortadaAoCampoDoShell) {

@@ -35,29 +35,6 @@ struct Dia {
 
 bool SoIguais(const Texto& a, const Texto& b) { return a == b; }
 
-TEST(Figuras, TocadasPorHoraPorMusicaEMaisTocadas) {
-  Dia d;
-  d.s.acervo = {{40, u"D", u"Quatro"}, {10, u"A", u""}, {30, u"C", u"Três"}, {20, u"B", u""}};
-  d.Toca(10, 0, 30, u"C").Toca(10, 59, 20, u"B", u"Primeira", true).Toca(11, 0, 5, u"E");
-  d.Toca(11, 9, 20, u"B", u"Outra").Toca(12, 59, 30, u"C", u"", true).Toca(12, 59, 7, u"F");
-  const Figuras f = CalcularFiguras(d.s, SoIguais, 3);
-  // Each play counts in the hour it started.
-  EXPECT_EQ(f.porHora, (std::vector<std::pair<DataHora, long>>{{As(10, 0), 2}, {As(11, 0), 2}, {As(12, 0), 2}}));
-  EXPECT_EQ(f.avancadas, 2);
-  // Ties by code; a song is named as it first aired.
-  ASSERT_EQ(f.maisTocadas.size(), 3u);
-  EXPECT_EQ(f.maisTocadas[0].codigo, 20);
-  EXPECT_EQ(f.maisTocadas[0].titulo, u"Primeira");
-  EXPECT_EQ(f.maisTocadas[0].vezes, 2);
-  EXPECT_EQ(f.maisTocadas[1].codigo, 30);
-  EXPECT_EQ(f.maisTocadas[2].codigo, 5);
-  // How many songs played each number of times; the never played named as the collection has them.
-  EXPECT_EQ(f.musicasPorVezes, (std::vector<long>{2, 2, 2}));
-  ASSERT_EQ(f.nuncaTocadas.size(), 2u);
-  EXPECT_EQ(f.nuncaTocadas[0].codigo, 10);
-  EXPECT_EQ(f.nuncaTocadas[1].titulo, u"Quatro");
-}
-
 TEST(Figuras, MenorIntervaloEmMusicasEEmMinutosVemDeParesDiferentes) {
   Dia d;
   // X comes back two songs later but after 40 minutes; Z three songs later within 3 minutes.
@@ -126,23 +103,6 @@ TEST(SimulacaoHtml, TextoDaEstacaoEscapadoEmTodaParte) {
   EXPECT_NE(html.find("<td>nenhuma repetição</td>"), std::string::npos);  // titles never repeat
 }
 
-TEST(SimulacaoHtml, ConferenciaNaPrimeiraPaginaPorArquivoESoQuandoAchouAlgo) {
-  Simulacao s = DuasHoras();
-  EXPECT_EQ(Html(s).find("Conferência da estação"), std::string::npos);
-  s.conferencia = {{NivelConstatacao::Erro, "lxdb.rdb", std::nullopt, "só <5> músicas"},
-                   {NivelConstatacao::Aviso, "pl.rdb", 1, "linha ignorada"},
-                   {NivelConstatacao::Aviso, "pl.rdb", 2, "outra"}};
-  const std::string html = Html(s);
-  const size_t secao = html.find("<h2 id='conferencia'>Conferência da estação</h2>");
-  ASSERT_NE(secao, std::string::npos);
-  EXPECT_LT(secao, html.find("<h2>Vibe"));
-  const std::string arquivo = "<h3><code>pl.rdb</code></h3>";
-  EXPECT_NE(html.find(arquivo), std::string::npos);
-  EXPECT_EQ(html.find(arquivo), html.rfind(arquivo));
-  EXPECT_NE(html.find("<li class='erro'><b>erro</b>: só &lt;5&gt; músicas</li>"), std::string::npos);
-  EXPECT_NE(html.find("<li><b>aviso</b>, linha 2: outra</li>"), std::string::npos);
-}
-
 DataHora Dia14(int hora, int minuto) { return MontarDataHora(2026, 3, 14, hora, minuto); }
 
 TEST(CurvaNivel, NivelDoUltimoPontoAteOMomentoEVoltaDaVespera) {
@@ -155,14 +115,6 @@ TEST(CurvaNivel, NivelDoUltimoPontoAteOMomentoEVoltaDaVespera) {
   EXPECT_EQ(c.NivelEm(Dia14(11, 59)), 20);
   EXPECT_EQ(c.NivelEm(Dia14(12, 0)), 45);
   EXPECT_EQ(c.NivelEm(Dia14(23, 59)), 70);
-}
-
-TEST(CurvaNivel, ProximaMudancaDepoisDoMomentoEPassaParaOOutroDia) {
-  const CurvaNivel c = LerCurvaNivel("06:00 20\n18:30 70\n", "dia.txt");
-  EXPECT_EQ(c.ProximaMudanca(Dia14(0, 0)), Dia14(6, 0));
-  EXPECT_EQ(c.ProximaMudanca(Dia14(6, 0)), Dia14(18, 30));  // strictly after
-  EXPECT_EQ(c.ProximaMudanca(Dia14(18, 30)), MontarDataHora(2026, 3, 15, 6, 0));
-  EXPECT_EQ(c.ProximaMudanca(Dia14(23, 59)), MontarDataHora(2026, 3, 15, 6, 0));
 }
 
 TEST(CurvaNivel, LinhaQueNaoLeDizArquivoENumero) {
