@@ -159,29 +159,4 @@ TEST_F(Tags, CacheAcompanhaTagsReescritas) {
   EXPECT_THROW(ConferirTag(*e, u"Genero:Punk", 4001), ErroExecucao);
 }
 
-// The gathered values answer exactly what MesmoValorTag against each song of the group answers,
-// on texts that hit the corners: empty pieces, "POP" inside and at the end, one-character
-// tails, case and a letter whose upper case is longer ("ß" → "SS").
-TEST_F(Tags, ValoresOuvidosIgualAMesmoValorTagComCadaUm) {
-  const std::u16string_view textos[] = {u"Ana feat Bia", u"bia",  u"Pop;Rock", u"POP", u"Jazz;Pop", u"ß",
-                                        u"SS",           u"",     u"Ana;x",    u"x",   u"Á & Caio", u"á"};
-  const long n = std::size(textos);
-  for (int16_t campo : {kArtista, kGenero}) {
-    for (long i = 0; i < n; ++i) Tag(i, campo, textos[i]);
-    ASSERT_TRUE(ValoresOuvidos::Serve(*e, campo));
-    for (long g = 0; g < n; ++g) {
-      ValoresOuvidos ouvidos;
-      ouvidos.Adicionar(*e, campo, g);
-      ouvidos.Adicionar(*e, campo, (g + 5) % n);
-      for (long i = 0; i < n; ++i)
-        EXPECT_EQ(ouvidos.Compartilha(*e, campo, i),
-                  MesmoValorTag(*e, campo, i, g) || MesmoValorTag(*e, campo, i, (g + 5) % n))
-            << campo << ": " << ParaUtf8(textos[i]) << " / " << ParaUtf8(textos[g]);
-    }
-  }
-  EXPECT_FALSE(ValoresOuvidos::Serve(*e, kVibe));
-  e->selecao.ModoComparacaoArtista = 1;
-  EXPECT_FALSE(ValoresOuvidos::Serve(*e, kGenero));
-}
-
 }  // namespace
