@@ -132,8 +132,6 @@ const Caso kCasos[] = {
     {"valor por nivel que estoura",
      [](Est& e) { SongsDe(e, kMusicas); e.Regra(1, true, "12", "", {"*0-2000", "Genero:Geral*"}).GravarRegras(); },
      E, "lxie1.rdb", 1, "nos níveis 0 a 18 a conta do ajuste por nível estoura"},
-    {"numero de regra desconhecido", [](Est& e) { SongsDe(e, kMusicas); e.Regra(2, true, "99").GravarRegras(); },
-     E, "lxie2.rdb", 1, "número de regra desconhecido"},
     {"arquivo de regras ausente", [](Est& e) { Limpa(e); std::filesystem::remove(e.Caminho("lxie2.rdb")); },
      E, "lxie2.rdb", kSem, "arquivo de regras ausente"},
     {"tabela de agenda com linha ruim",
