@@ -106,6 +106,15 @@ const Caso kCasos[] = {
      E, "pl.rdb", 1, "a linha 2 vem depois e cobre todo este período"},
     {"pasta que nao existe", [](Est& e) { Limpa(e); e.GravarTexto("pl.rdb", "08:00:00 12:00:00 manha\r\n"); },
      E, "pl.rdb", 1, "a pasta \"manha\" não existe"},
+    {"mais de 30 playlists",
+     [](Est& e) {
+       Limpa(e);
+       Limpa(e, "a");
+       std::string pl;
+       for (int i = 10; i <= 40; ++i) pl += "00:" + std::to_string(i) + ":00 00:" + std::to_string(i) + ":30 a\r\n";
+       e.GravarTexto("pl.rdb", pl);
+     },
+     E, "pl.rdb", 31, "31ª playlist"},
     {"pasta de playlist com poucas musicas",
      [](Est& e) {
        Limpa(e);
@@ -129,6 +138,9 @@ const Caso kCasos[] = {
        e.Regra(0, true, "01", "", {"Genero:Rock;", "", "22:00", "02:00"}).GravarRegras();
      },
      A, "lxie0.rdb", 1, "hora inicial depois da final"},
+    {"data que ja passou",
+     [](Est& e) { SongsDe(e, kMusicas); e.Regra(0, true, "01", "", {"Genero:Rock;", "01/01/2000"}).GravarRegras(); },
+     A, "lxie0.rdb", 1, "a data já passou"},
     {"valor por nivel que estoura",
      [](Est& e) { SongsDe(e, kMusicas); e.Regra(1, true, "12", "", {"*0-2000", "Genero:Geral*"}).GravarRegras(); },
      E, "lxie1.rdb", 1, "nos níveis 0 a 18 a conta do ajuste por nível estoura"},

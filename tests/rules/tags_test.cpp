@@ -159,4 +159,16 @@ TEST_F(Tags, CacheAcompanhaTagsReescritas) {
   EXPECT_THROW(ConferirTag(*e, u"Genero:Punk", 4001), ErroExecucao);
 }
 
+// Gathered values (rule 02's window) answer as MesmoValorTag with each song gathered: a leading
+// "Pop" is skipped on both sides, a trailing one is compared.
+TEST_F(Tags, ValoresOuvidosComoMesmoValorTag) {
+  const std::u16string_view textos[] = {u"Rock;Pop", u"Pop;Jazz", u"Pop;Rock", u"ROCK", u"Jazz;Pop", u""};
+  for (long i = 0; i < 6; ++i) Tag(i, kGenero, textos[i]);
+  ValoresOuvidos ouvidos;
+  ouvidos.Adicionar(*e, kGenero, 0);
+  for (long s = 1; s < 6; ++s)
+    EXPECT_EQ(ouvidos.Compartilha(*e, kGenero, s), MesmoValorTag(*e, kGenero, s, 0)) << ParaUtf8(textos[s]);
+  EXPECT_FALSE(ouvidos.Compartilha(*e, kGenero, 1));
+}
+
 }  // namespace
