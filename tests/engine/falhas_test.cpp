@@ -74,15 +74,8 @@ class Falhas : public ::testing::Test {
   // itself changed.
   void ConferirPreservados(const std::set<std::string>& mudadosPeloTeste = {}) const {
     const auto agora = Preservados();
-    for (const auto& [nome, bytes] : preservados) {
-      if (mudadosPeloTeste.count(nome)) continue;
-      auto it = agora.find(nome);
-      if (it == agora.end()) {
-        ADD_FAILURE() << nome << " foi apagado";
-      } else {
-        EXPECT_EQ(it->second, bytes) << nome << " foi alterado";
-      }
-    }
+    for (const auto& [nome, bytes] : preservados)
+      EXPECT_TRUE(mudadosPeloTeste.count(nome) || (agora.count(nome) && agora.at(nome) == bytes)) << nome << " mudou";
   }
 
   EstacaoTeste estacao;
@@ -257,8 +250,9 @@ TEST_F(Falhas, FilaQueNaoSeRenomeiaLevaAMidiaJunto) {
   EXPECT_TRUE(arquivos.Listar(estacao.Caminho("list"), std::string(kTerminacaoParcial)).empty());
 }
 
-// The faults of the log database, each applied to a good one.
-enum class DefeitoBanco { Ausente, Truncado, Lixo, Bloqueado };
+// The faults of the log database, each applied to a good one. A Jet file beside it, even a
+// broken one, is read instead.
+enum class DefeitoBanco { Ausente, Truncado, Lixo, Bloqueado, JetQuebrado };
 
 class FalhasBanco : public Falhas, public ::testing::WithParamInterface<DefeitoBanco> {};
 
@@ -280,9 +274,12 @@ TEST_P(FalhasBanco, HistoricoFicaComoEstavaEAEscolhaSegue) {
     case DefeitoBanco::Truncado: estacao.GravarTexto("lumavox.db", bom.substr(0, bom.size() / 3)); break;
     case DefeitoBanco::Lixo: estacao.GravarTexto("lumavox.db", std::string(bom.size(), 'x')); break;
     case DefeitoBanco::Bloqueado:
+      // A database kept in the older rollback mode can still be locked by its writer.
       ASSERT_EQ(sqlite3_open(estacao.Caminho("lumavox.db").c_str(), &escritor), SQLITE_OK);
-      ASSERT_EQ(sqlite3_exec(escritor, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
+      ASSERT_EQ(sqlite3_exec(escritor, "PRAGMA journal_mode=DELETE; BEGIN EXCLUSIVE", nullptr, nullptr, nullptr),
+                SQLITE_OK);
       break;
+    case DefeitoBanco::JetQuebrado: estacao.GravarTexto("lumavox.mdb", "not a Jet file"); break;
   }
   const std::string antes = estacao.Existe("lumavox.db") ? estacao.Ler("lumavox.db") : "";
   const auto inicio = std::chrono::steady_clock::now();
@@ -291,6 +288,7 @@ TEST_P(FalhasBanco, HistoricoFicaComoEstavaEAEscolhaSegue) {
   if (GetParam() != DefeitoBanco::Truncado) {
     EXPECT_EQ(h.HistoricoCodigos[-1], 1 + 399 % 60);
   }
+  EXPECT_EQ(estacao.Existe("lumavox.db"), GetParam() != DefeitoBanco::Ausente);  // none is created
   EXPECT_EQ(motor->TestarRegras().selecoes.size(), 2u);
   TocarAteRecarregar();
   EXPECT_EQ(Fila().size(), 2u);
@@ -303,7 +301,7 @@ TEST_P(FalhasBanco, HistoricoFicaComoEstavaEAEscolhaSegue) {
 
 INSTANTIATE_TEST_SUITE_P(Defeitos, FalhasBanco,
                          ::testing::Values(DefeitoBanco::Ausente, DefeitoBanco::Truncado, DefeitoBanco::Lixo,
-                                           DefeitoBanco::Bloqueado));
+                                           DefeitoBanco::Bloqueado, DefeitoBanco::JetQuebrado));
 
 // The rule entries of the latest selection, by rule number.
 std::vector<Texto> RegrasDaUltima(const Motor& m) {
@@ -349,24 +347,18 @@ TEST_F(Falhas, RelogioVoltaUmaHoraEPassaDaMeiaNoite) {
   ASSERT_EQ(motor->TestarRegras().selecoes.size(), 2u);
   const fs::path noite = estacao.Pasta() / "madrugada";
 
-  struct Passo {
-    DataHora agora;
-    bool deNoite;
-  };
-  const Passo passos[] = {
-      {MontarDataHora(2026, 11, 22, 23, 59, 30), false},
-      {MontarDataHora(2026, 11, 23, 0, 0, 30), true},    // past midnight: the night playlist
-      {MontarDataHora(2026, 11, 22, 23, 40, 0), false},  // back an hour, to the day before
-      {MontarDataHora(2026, 11, 23, 0, 10, 0), true},
-  };
-  for (const Passo& p : passos) {
-    ambiente.DefinirAgora(p.agora);
+  // Past midnight the night playlist; back an hour, to the day before; then forward again.
+  for (const auto& [agora, deNoite] : {std::pair{MontarDataHora(2026, 11, 22, 23, 59, 30), false},
+                                       {MontarDataHora(2026, 11, 23, 0, 0, 30), true},
+                                       {MontarDataHora(2026, 11, 22, 23, 40, 0), false},
+                                       {MontarDataHora(2026, 11, 23, 0, 10, 0), true}}) {
+    ambiente.DefinirAgora(agora);
     for (int i = 0; i < 3; ++i) {
       Tocar();
       const ResultadoExecucao r = motor->TestarRegras();
-      ASSERT_EQ(r.selecoes.size(), 1u) << FormatarIso(p.agora);
+      ASSERT_EQ(r.selecoes.size(), 1u) << FormatarIso(agora);
       EXPECT_EQ(Fila().size(), 2u);
-      EXPECT_EQ(motor->E().acervo().PastaDados == noite, p.deNoite) << FormatarIso(p.agora);
+      EXPECT_EQ(motor->E().acervo().PastaDados == noite, deNoite) << FormatarIso(agora);
       for (const NoLog& no : motor->E().log.Selecoes().back().filhos)
         EXPECT_NE(no.tipo, TipoLog::Erro) << ParaUtf8(no.texto);
     }

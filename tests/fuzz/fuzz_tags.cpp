@@ -29,24 +29,20 @@ std::vector<Texto> Partes(std::string_view bytes, size_t quantas) {
   return partes;
 }
 
-struct Respostas {
-  std::vector<bool> valores;
-  bool operator==(const Respostas&) const = default;
-};
-
-Respostas Perguntar(Estado& e, const Texto& filtro, int16_t campo, const std::vector<Texto>& tags) {
-  Respostas r;
+// Every answer the tag functions give on the three songs, in a fixed order.
+std::vector<bool> Perguntar(Estado& e, const Texto& filtro, int16_t campo, const std::vector<Texto>& tags) {
+  std::vector<bool> r;
   for (long s = 0; s < 3; ++s) {
-    r.valores.push_back(ConferirTag(e, filtro, s));
-    r.valores.push_back(ConferirTagArtista(e, filtro, s));
+    r.push_back(ConferirTag(e, filtro, s));
+    r.push_back(ConferirTagArtista(e, filtro, s));
     for (long t = 0; t < 3; ++t) {
-      r.valores.push_back(CompararArtistasSlots(e, s, t, campo));
-      r.valores.push_back(MesmoValorTag(e, campo, s, t));
+      r.push_back(CompararArtistasSlots(e, s, t, campo));
+      r.push_back(MesmoValorTag(e, campo, s, t));
     }
   }
-  r.valores.push_back(CompararArtistas(e, tags[0], tags[1], campo));
-  r.valores.push_back(CompararArtistasSemExcecao(e, tags[0], tags[1], campo));
-  r.valores.push_back(ConferirPedaco(tags[0], tags[1], campo));
+  r.push_back(CompararArtistas(e, tags[0], tags[1], campo));
+  r.push_back(CompararArtistasSemExcecao(e, tags[0], tags[1], campo));
+  r.push_back(ConferirPedaco(tags[0], tags[1], campo));
   return r;
 }
 
@@ -75,7 +71,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* dados, size_t tamanho) {
 
   // A warm cache (every earlier input left its texts in it) answers as an empty one does.
   // Emptying it reallocates the per-slot table, so only one input in 64 pays for the check.
-  const Respostas quente = Perguntar(e, filtro, campo, tags);
+  const std::vector<bool> quente = Perguntar(e, filtro, campo, tags);
   if (std::hash<std::string_view>{}(std::string_view(reinterpret_cast<const char*>(dados), tamanho)) % 64 == 0) {
     e.cacheTags.Limpar();
     if (Perguntar(e, filtro, campo, tags) != quente) fuzz::Falha("cache de tags deu outra resposta");

@@ -53,42 +53,5 @@ TEST_F(TabelaJet, SemTabelaLogsParaNaPrimeiraConsulta) {
   EXPECT_TRUE(estado->historico().HistoricoTipo4[0]);
 }
 
-LinhaBanco Log(double codigo, ValorBanco musica, ValorBanco data, double tipo) {
-  return {codigo, std::move(musica), std::move(data), tipo};
-}
-
-TEST(ConsultasJet, FiltroOrdemEAgrupamento) {
-  const DataHora d1 = MontarDataHora(2026, 11, 1), d2 = MontarDataHora(2026, 11, 2);
-  std::vector<LinhaBanco> logs;
-  for (int i = 1; i <= 502; ++i) logs.push_back(Log(i * 2 % 503, static_cast<double>(i), d1, 0));
-  logs.push_back(Log(900, 7.0, d1, 4));
-  logs.push_back(Log(901, 3.0, d1, 4));
-  logs.push_back(Log(902, 7.0, d2, 4));
-  logs.push_back(Log(903, 7.0, d1, 5));
-  logs.push_back(Log(904, std::monostate{}, d1, 5));
-  logs.push_back(Log(905, 7.0, d2, 5));
-  logs.push_back(Log(906, 2.0, std::monostate{}, 5));
-  logs.push_back(Log(907, 1.0, d1, 50));
-
-  const auto tocadas = AvaliarConsultaLogs(logs, ConsultaLogs::Tocadas);
-  ASSERT_EQ(tocadas.size(), 500u);
-  EXPECT_EQ(tocadas[0][0], ValorBanco(502.0));
-  EXPECT_EQ(tocadas[499][0], ValorBanco(3.0));
-  for (size_t i = 1; i < tocadas.size(); ++i)
-    ASSERT_GT(std::get<double>(tocadas[i - 1][0]), std::get<double>(tocadas[i][0]));
-
-  const auto tipo4 = AvaliarConsultaLogs(logs, ConsultaLogs::Tipo4);
-  ASSERT_EQ(tipo4.size(), 2u);
-  EXPECT_EQ(tipo4[0], (LinhaLogs{4.0, 3.0, 1.0}));
-  EXPECT_EQ(tipo4[1], (LinhaLogs{4.0, 7.0, 2.0}));
-
-  const auto tipo5 = AvaliarConsultaLogs(logs, ConsultaLogs::Tipo5);
-  ASSERT_EQ(tipo5.size(), 4u);
-  EXPECT_EQ(tipo5[0][1], ValorBanco(std::monostate{}));  // Null sorts first
-  EXPECT_EQ(tipo5[1][1], ValorBanco(2.0));
-  EXPECT_EQ(tipo5[2][2], ValorBanco(d2));
-  EXPECT_EQ(tipo5[3][2], ValorBanco(d1));
-}
-
 }  // namespace
 }  // namespace lumavox

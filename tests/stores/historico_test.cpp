@@ -51,14 +51,6 @@ class CargaHistorico : public ::testing::Test {
     estado->SubstituirHistorico([&](Historico& h) { CarregarMusicasTocadas(h, estado->acervo(), fonte); });
   }
 
-  // Nothing a load writes has moved.
-  void EsperarIntocado() {
-    EXPECT_EQ(H().HistoricoCodigos[-1], 7);
-    EXPECT_EQ(H().HistoricoCodigos[-500], 7);
-    EXPECT_TRUE(H().HistoricoTipo4[1]);
-    EXPECT_TRUE(H().HistoricoTipo5(1, 0));
-  }
-
   EstadoTeste estado;
   EstacaoTeste estacao;
 };
@@ -117,30 +109,6 @@ TEST_F(CargaHistorico, MarcasDeTipo4E5PorSlot) {
     for (long k = 0; k < kDatasTipo5; ++k) marcados += H().HistoricoTipo5(s, k) ? 1 : 0;
   }
   EXPECT_EQ(marcados, 2 + 1 + 10);
-}
-
-// A database that does not open, or is locked, leaves codes and marks alone; a Jet file, even
-// a broken one, is preferred to the SQLite one.
-TEST_F(CargaHistorico, BancoQueNaoAbreOuBloqueadoDeixaTudoComoEstava) {
-  Carregar();  // no database at all, and none is created
-  EsperarIntocado();
-  EXPECT_FALSE(estacao.Existe(kArquivoLogsSqlite));
-
-  BancoLogs escritor(Banco());
-  escritor.Registrar({101, Dia(1), 0});
-  estacao.GravarTexto(kArquivoLogsMdb, "not a Jet file");
-  Carregar();
-  EsperarIntocado();
-  fs::remove(estacao.Caminho(kArquivoLogsMdb));
-  // A database kept in the older rollback mode can still be locked by its writer.
-  ASSERT_EQ(sqlite3_exec(escritor.Conexao(), "PRAGMA journal_mode=DELETE; BEGIN EXCLUSIVE", nullptr, nullptr,
-                         nullptr),
-            SQLITE_OK);
-  Carregar();
-  EsperarIntocado();
-  sqlite3_exec(escritor.Conexao(), "COMMIT", nullptr, nullptr, nullptr);
-  Carregar();
-  EXPECT_EQ(H().HistoricoCodigos[-1], 101);
 }
 
 // Rows handed over as written; a query named in `falha` cannot run, and `falhaApos` rows into

@@ -1,4 +1,5 @@
-// Rules "02" to "07", "13" and "26": the ones that look at the plays or the advance click.
+// Rules "01" to "07", "12", "13", "26" and "34" (the ones that look at the plays or the advance
+// click) and the helpers they share, called directly on a hand-built state.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -6,6 +7,7 @@
 #include "apoio/estado_teste.h"
 #include "base/erro.h"
 #include "engine/despacho.h"
+#include "rules/candidatos.h"
 #include "rules/regras.h"
 
 namespace lumavox {
@@ -25,6 +27,50 @@ Codigos Aplicar(EstadoTeste& t, F regra, std::string id, std::vector<std::string
   t.TodasCandidatas().RegraAtual(std::move(id), std::move(vars));
   regra(t.E());
   return t.Mantidas();
+}
+
+TEST(Regra01, SoAPrimeiraMusicaDaEstacaoPrecisaDoTag) {
+  EstadoTeste t;
+  t.Musica(1, {{kGenero, "Rock;"}}).Musica(2, {{kGenero, "Pop;"}}).Musica(3, {{kGenero, "Pop;Rock"}});
+  EXPECT_EQ(Aplicar(t, Regra01, "01", {"Genero:Rock"}), (Codigos{1, 3}));
+  EXPECT_EQ(Aplicar(t, Regra01, "01", {"Genero:Rock", "21/11/2026"}).size(), 3u);  // another day
+  t.Tocadas({2});
+  EXPECT_EQ(Aplicar(t, Regra01, "01", {"Genero:Rock"}).size(), 3u);
+}
+
+TEST(Regra12, ContaOUltimoEOsQueDividemOValorSemSeremVizinhos) {
+  EstadoTeste t;
+  t.Musica(1, {{kArtista, "Ana"}}).Musica(2, {{kArtista, "Bia"}}).Musica(3, {{kArtista, "Caio"}})
+      .Musica(4, {{kArtista, "Ana feat Caio"}});
+  auto R12 = [&](std::vector<std::string> vars) { return Aplicar(t, Regra12, "12", std::move(vars)); };
+  t.Tocadas({1, 1});
+  EXPECT_EQ(R12({"2", "Artista:Geral*"}).size(), 4u);  // C = 1: position 0 is a filler, never counted
+  t.Tocadas({3, 1, 2, 1});                             // ..., Caio, Ana, Bia, Ana
+  EXPECT_EQ(R12({"3", "Artista:Geral*"}).size(), 4u);  // C = 2 < 3
+  t.Tocadas({1});                                      // ..., Ana, Bia, Ana, Ana
+  EXPECT_EQ(R12({"3", "Artista:Geral*"}), (Codigos{2, 3}));
+  EXPECT_EQ(R12({"0", "Artista:Geral*"}), (Codigos{2, 3}));  // C = 1 is not below 0
+  EXPECT_EQ(R12({"1", "Artista:Ana"}), (Codigos{2, 3}));
+  EXPECT_EQ(R12({"1", "Artista:Bia"}).size(), 4u);     // the last song lacks the tag
+  EXPECT_EQ(R12({"99", "Artista:Geral*"}).size(), 4u);  // history too short
+  EXPECT_THROW(R12({"1", "Cor:Geral*"}), ErroExecucao);
+}
+
+TEST(Regra34, RejeitaOTagEnquantoEstiverEntreAsUltimasX1) {
+  EstadoTeste t;
+  t.Musica(1, {{kGenero, "Rock;"}}).Musica(2, {{kGenero, "Pop;"}}).Musica(3, {{kGenero, "Jazz;Rock"}});
+  auto R34 = [&](std::vector<std::string> vars) { return Aplicar(t, Regra34, "34", std::move(vars)); };
+  t.Tocadas({1, 2, 2});
+  EXPECT_EQ(R34({"3", "Genero:Rock"}), (Codigos{2}));
+  EXPECT_EQ(R34({"2", "Genero:Rock"}).size(), 3u);
+  EXPECT_EQ(R34({"1", "Genero:Pop"}), (Codigos{1, 3}));
+  EXPECT_EQ(R34({"", "Genero:Pop"}).size(), 3u);
+  EXPECT_EQ(R34({"0", "Genero:Pop"}).size(), 3u);
+  EXPECT_EQ(R34({"3", "Genero:Geral*"}).size(), 3u);
+  t.Tocadas({2});
+  EXPECT_EQ(R34({"3", "Genero:Rock"}).size(), 3u);
+  // Reaching below the history's first position is an error of the rule.
+  EXPECT_THROW(R34({"4010", "Genero:Rock"}), ErroExecucao);
 }
 
 TEST(Regra02, NaoRepeteOValorDentroDasHorasESimSoRepete) {
@@ -215,6 +261,54 @@ TEST(IndiceHistorico, HistoricoAlemDaUltimaPosicaoEncerraARegra) {
   EXPECT_THROW(Aplicar(t, Regra05, "05", {}), ErroExecucao);
   EXPECT_THROW(Aplicar(t, Regra06, "06", {"1", "1"}), ErroExecucao);
   EXPECT_THROW(Aplicar(t, Regra13, "13", {"1"}), ErroExecucao);
+}
+
+bool Vigente(EstadoTeste& t, int h, int m, int s, const char16_t* d, const char16_t* ini, const char16_t* fim) {
+  t->selecao.DataHoraReferencia = MontarDataHora(2026, 11, 22, h, m, s);
+  return VerificarVigencia(t.E(), d, ini, fim);
+}
+
+TEST(VerificarVigencia, DataEHorarioComBordasInclusivasSemVirarMeiaNoite) {
+  EstadoTeste t;
+  EXPECT_TRUE(Vigente(t, 3, 0, 0, u"", u"", u""));
+  EXPECT_TRUE(Vigente(t, 23, 59, 59, u"22/11/2026", u"", u""));
+  EXPECT_FALSE(Vigente(t, 10, 0, 0, u"21/11/2026", u"", u""));
+  EXPECT_FALSE(Vigente(t, 10, 0, 0, u"22/11/2026 10:00", u"", u""));  // a date with a time never equals
+  EXPECT_TRUE(Vigente(t, 3, 0, 0, u"", u"10:00", u""));              // one-sided ranges are ignored
+  EXPECT_TRUE(Vigente(t, 3, 0, 0, u"", u"", u"10:00"));
+  EXPECT_TRUE(Vigente(t, 10, 0, 0, u"", u"10:00", u"10:00"));
+  EXPECT_FALSE(Vigente(t, 10, 0, 1, u"", u"10:00", u"10:00"));
+  EXPECT_TRUE(Vigente(t, 12, 0, 0, u"", u"8:00", u"12:00:00"));
+  EXPECT_FALSE(Vigente(t, 23, 0, 0, u"", u"22:00", u"02:00"));  // 22:00 > 02:00: never in force
+  EXPECT_THROW(Vigente(t, 10, 0, 0, u"amanhã", u"", u""), ErroExecucao);
+  EXPECT_THROW(Vigente(t, 10, 0, 0, u"", u"23:00", u"meio-dia"), ErroExecucao);  // both ends converted
+}
+
+TEST(LocalizarMusica, PrimeiroSlotEQuatroMilParaAusente) {
+  EstadoTeste t;
+  t.Musica(55).Musica(66).Musica(55);
+  EXPECT_EQ(LocalizarMusica(t.E(), 55), 0);
+  EXPECT_EQ(LocalizarMusica(t.E(), 66), 1);
+  EXPECT_EQ(LocalizarMusica(t.E(), 77), kSlotAusente);
+  // A stale slot past the collection still counts, and code 0 fills every unused slot.
+  t->CarregarAcervo([](Acervo& a) { a.AcervoCodigos[4000] = 77; });
+  EXPECT_EQ(LocalizarMusica(t.E(), 77), 4000);
+  EXPECT_EQ(LocalizarMusica(t.E(), 0), 3);
+  t.Tocadas({66});
+  EXPECT_EQ(LocalizarMusicaTocada(t.E(), 0), 1);
+  EXPECT_EQ(LocalizarMusicaTocada(t.E(), -1), 3);  // an empty database slot holds code 0
+  EXPECT_THROW(LocalizarMusicaTocada(t.E(), -4001), ErroExecucao);
+}
+
+TEST(MinutosDesdeTocada, DaTocadaAteAReferenciaDasRegras) {
+  EstadoTeste t;  // the clock says 10:00; the rules' reference is a minute later
+  t->selecao.DataHoraReferencia = MontarDataHora(2026, 11, 22, 10, 1, 0);
+  t->SubstituirHistorico([](Historico& h) {
+    h.HistoricoDatas[1] = MontarDataHora(2026, 11, 21, 22, 30, 0);
+    h.HistoricoDatas[2] = MontarDataHora(2026, 11, 22, 11, 0, 0);
+  });
+  EXPECT_EQ(MinutosDesdeTocada(t.E(), 1), 11 * 60 + 31);
+  EXPECT_EQ(MinutosDesdeTocada(t.E(), 2), -59);
 }
 
 }  // namespace

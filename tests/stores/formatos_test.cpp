@@ -1,16 +1,21 @@
-// Exact values of the line code; round trips and lone surrogates are the fuzz target's business.
+// Exact values of the small station formats: the line code (round trips and lone surrogates are
+// the fuzz target's business), queue entry names, audio formats and rhythm words.
 #include <gtest/gtest.h>
-
-#include "apoio/estacao.h"
-#include "base/erro.h"
-#include "stores/codec.h"
 
 #include <cstdio>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
-using namespace lumavox;
+#include "apoio/estacao.h"
+#include "base/erro.h"
+#include "stores/codec.h"
+#include "stores/fila.h"
+#include "stores/ritmo.h"
+
+namespace lumavox {
+namespace {
 
 TEST(Codec, GruposDeCincoDigitosDepoisDeUmCaractereNuncaLido) {
   const std::pair<std::u16string_view, Texto> casos[] = {
@@ -70,3 +75,40 @@ TEST(Codec, ArquivoLidoComoCadaLinhaSozinha) {
   EXPECT_GT(recusadas, 50);
   EXPECT_EQ(LerArquivo(boas), esperadas);
 }
+
+TEST(Fila, NomesQueOMotorEscreveEOsOutros) {
+  auto e = LerNomeFila("000007_0001234_050.lre");
+  ASSERT_TRUE(e);
+  EXPECT_EQ(std::tuple(e->contador, e->codigo, e->nivel, e->radical), std::tuple(7, 1234, 50, "000007"));
+  // Past a million the counter keeps all its digits, and the media keeps the same stem.
+  e = LerNomeFila("1000000_0000001_100.lre");
+  ASSERT_TRUE(e);
+  EXPECT_EQ(e->radical, "1000000");
+  for (const char* nome : {"000007_0001234.lre", "000007_0001234_050_1.lre", "000007_12a4_050.lre",
+                           "000007_0001234_050.lre.parcial", "000007_-1234_050.lre"})
+    EXPECT_FALSE(LerNomeFila(nome)) << nome;
+}
+
+TEST(Fila, FormatoDoAudioPelosPrimeirosBytes) {
+  using namespace std::string_literals;
+  const std::pair<std::string, const char*> casos[] = {
+      {"OggS\0\2"s, ".ogg"},   {"fLaC\0\0\0\42"s, ".flac"},     {"RIFF\x24\0\0\0WAVEfmt "s, ".wav"},
+      {"\0\0\0\x20" "ftypM4A "s, ".m4a"}, {"ID3\4\0"s, ".mp3"}, {"\xFF\xFB\x90\x64"s, ".mp3"},
+      {"RIFF\x24\0\0\0AVI "s, ".bin"},    {"Og", ".bin"}};
+  for (const auto& [bytes, extensao] : casos) EXPECT_EQ(ExtensaoDoAudio(bytes), extensao) << extensao;
+}
+
+TEST(ValorRitmo, NumerosTextosFixosEListasDePalavras) {
+  const std::pair<std::u16string_view, double> casos[] = {
+      {u"7,5", 7.5}, {u"", 0}, {u"Rápida;", 9}, {u"Normal;Rápida;", 7}, {u"Lenta;Normal;", 3},
+      {u"Nacional", -1}, {u"Internacional", 1},
+      {u"rápida;", 0}, {u"Rápida;Lenta;", 0},  // fixed texts match only whole and as spelt
+      {u"Normal;Calmo;", 3}, {u"Calmo;Animado;Sexy;", 6}, {u"Sexy;Relax;", 0},
+      {u"Calmo;Animado", 1},  // text after the last ";" is no word
+      {u"Animado;Animado;Calmo;", 19.0 / 3}, {u"Sexy;Animado;", 10},  // mood is added after averaging
+      {u";;Normal;;", 5}, {u"Pra Baixo;Romântico;Comedia;", -3}, {u"calmo;sexy;Normal ;", 0}, {u"Nacional;", 0}};
+  for (const auto& [texto, valor] : casos) EXPECT_EQ(ValorRitmo(texto), valor) << ParaUtf8(texto);
+}
+
+}  // namespace
+}  // namespace lumavox
