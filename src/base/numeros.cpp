@@ -108,6 +108,15 @@ int16_t TextoParaInteiro16(std::u16string_view texto) { return ParaInteiro16(Num
 
 Texto FormatarNumero(double valor) {
   if (valor == 0) return u"0";  // also folds -0
+  // Whole numbers and halves (a vibe, a mean of two levels), written as the general forms below
+  // write them, without the formatted print.
+  if (std::fabs(valor) < 1e13 && valor * 2 == std::trunc(valor * 2)) {
+    const long long metades = std::llabs(static_cast<long long>(valor * 2));
+    Texto saida = valor < 0 ? u"-" : u"";
+    for (char c : std::to_string(metades / 2)) saida.push_back(static_cast<char16_t>(c));
+    if (metades % 2) saida += u",5";
+    return saida;
+  }
   char buffer[64];
   if (std::fabs(valor) < 1e15 && valor == std::trunc(valor)) {
     std::snprintf(buffer, sizeof buffer, "%.0f", valor);

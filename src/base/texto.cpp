@@ -93,6 +93,13 @@ std::vector<Texto> DividirLinhas(std::u16string_view texto) {
 
 Texto Maiusculas(std::u16string_view texto) {
   Texto saida;
+  // Plain ASCII, most tags, needs no case tables.
+  if (std::all_of(texto.begin(), texto.end(), [](char16_t c) { return c < 0x80; })) {
+    saida.assign(texto);
+    for (char16_t& c : saida)
+      if (c >= u'a' && c <= u'z') c = static_cast<char16_t>(c - 32);
+    return saida;
+  }
   saida.reserve(texto.size());
   const UChar* dados = reinterpret_cast<const UChar*>(texto.data());
   int32_t tamanho = static_cast<int32_t>(texto.size());

@@ -10,12 +10,6 @@ void ErroIndice(long indice, long inicio, long fim) {
                          std::to_string(inicio) + ".." + std::to_string(fim));
 }
 
-uint64_t PalavraDeFlags(const Booleano* p) {
-  uint64_t w;
-  std::memcpy(&w, p, sizeof w);
-  return w;
-}
-
 long ContarAmbos(const Booleano* a, const Booleano* b, long n) {
   long total = 0, i = 0;
   // Each byte of the AND is 0 or 1, so one multiplication adds the eight of them into the top

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -81,15 +83,20 @@ class Matriz {
   std::vector<T> dados_;
 };
 
-uint64_t PalavraDeFlags(const Booleano* p);
+inline uint64_t PalavraDeFlags(const Booleano* p) {
+  uint64_t w;
+  std::memcpy(&w, p, sizeof w);
+  return w;
+}
 
 template <typename F>
 void ParaCadaSoNoPrimeiro(const Booleano* a, const Booleano* b, long n, F&& usar) {
   long i = 0;
   for (; i + 8 <= n; i += 8) {
-    if ((PalavraDeFlags(a + i) & ~PalavraDeFlags(b + i)) == 0) continue;
-    for (long j = i; j < i + 8; ++j)
-      if (a[j] && !b[j]) usar(j);
+    // Flags are 0 or 1, so the set bits of the word are at the start of the bytes wanted, and
+    // they come out lowest first, in slot order.
+    for (uint64_t w = PalavraDeFlags(a + i) & ~PalavraDeFlags(b + i); w != 0; w &= w - 1)
+      usar(i + std::countr_zero(w) / 8);
   }
   for (; i < n; ++i)
     if (a[i] && !b[i]) usar(i);

@@ -89,9 +89,13 @@ void Motor::DefinirAcervo(int32_t CodAcervo, int16_t CarregarLogs) {
       std::function<void(long)> aposLinha;
       if (estado_.ModoDebug)
         aposLinha = [this](long slot) { EscreverDebug(u"Musica: " + DeUtf8(std::to_string(slot))); };
+      // A folder is recorded from its second load on: a one-shot run loads once, and a station
+      // that came back to a playlist will come back again.
+      const bool gravar = insumos && std::find(carregadas_.begin(), carregadas_.end(), pasta) != carregadas_.end();
+      if (insumos && !gravar) carregadas_.push_back(pasta);
       GravacaoAcervo gravacao;
-      CarregarColecao(ambiente_.Arquivos(), a, a.PastaDados, aposLinha, insumos ? &gravacao : nullptr);
-      if (!insumos) return;
+      CarregarColecao(ambiente_.Arquivos(), a, a.PastaDados, aposLinha, gravar ? &gravacao : nullptr);
+      if (!gravar) return;
       // A few playlists' worth: each record is a few megabytes.
       constexpr size_t kGravadas = 4;
       std::erase_if(gravadas_, [&](const CargaGravada& g) { return g.insumos.pasta == insumos->pasta; });

@@ -94,6 +94,7 @@ class Motor {
     GravacaoAcervo gravacao;
   };
   std::vector<CargaGravada> gravadas_;
+  std::vector<fs::path> carregadas_;  // folders loaded from known inputs so far
 };
 
 }  // namespace lumavox

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <cstdio>
+
 #include <cstdint>
 
 #include "apoio/estacao.h"
@@ -43,6 +46,25 @@ TEST(ParaInteiro, EstouroNosLimitesETextoQueNaoENumero) {
   EXPECT_EQ(TextoParaInteiro32(u"2,5"), 2);
   EXPECT_EQ(ErroDe([] { TextoParaInteiro32(u""); }), CodigoErro::TiposIncompativeis);
   EXPECT_EQ(ErroDe([] { TextoParaInteiro16(u"40000"); }), CodigoErro::Estouro);
+}
+
+// Whole numbers and halves take a short way; it must write what the formatted print writes.
+TEST(FormatarNumero, InteirosEMetadesComoAFormaGeral) {
+  for (double v : {0.5, -0.5, 1.0, -1.0, 2.5, -7.5, 99999.5, 4e12 + 0.5, -9.99e12, 123456789012.0, 9.5e12, 1.5e13, 3e15}) {
+    char buffer[64];
+    std::snprintf(buffer, sizeof buffer, v == std::trunc(v) && std::fabs(v) < 1e15 ? "%.0f" : "%.15G", v);
+    Texto esperado;
+    for (const char* p = buffer; *p; ++p) esperado.push_back(*p == '.' ? u',' : static_cast<char16_t>(*p));
+    EXPECT_EQ(FormatarNumero(v), esperado) << buffer;
+  }
+  for (int metades = -4001; metades <= 4001; ++metades) {
+    char buffer[64];
+    std::snprintf(buffer, sizeof buffer, metades % 2 ? "%.15G" : "%.0f", metades / 2.0);
+    Texto esperado;
+    for (const char* p = buffer; *p; ++p) esperado.push_back(*p == '.' ? u',' : static_cast<char16_t>(*p));
+    if (metades == 0) esperado = u"0";
+    ASSERT_EQ(FormatarNumero(metades / 2.0), esperado) << buffer;
+  }
 }
 
 TEST(FormatarNumero, VirgulaQuinzeDigitosEZeros) {
