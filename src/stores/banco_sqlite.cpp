@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 
 #include <cmath>
+#include <memory>
 #include <string>
 
 #include "base/erro.h"
@@ -89,7 +90,10 @@ BancoLogs::BancoLogs(const fs::path& arquivo) {
   }
 }
 
-BancoLogs::~BancoLogs() { sqlite3_close(db_); }
+BancoLogs::~BancoLogs() {
+  for (sqlite3_stmt* st : {inicio_, fim_, insercao_}) sqlite3_finalize(st);
+  sqlite3_close(db_);
+}
 
 void BancoLogs::Executar(const char* sql) {
   if (sqlite3_exec(db_, sql, nullptr, nullptr, nullptr) != SQLITE_OK)
@@ -100,40 +104,57 @@ void BancoLogs::Registrar(const RegistroLog& registro) {
   Registrar(std::vector<RegistroLog>{registro});
 }
 
-void BancoLogs::EmTransacao(const char* insercao, const std::function<void(sqlite3_stmt*)>& corpo) {
-  sqlite3_stmt* st = nullptr;
-  if (sqlite3_prepare_v2(db_, insercao, -1, &st, nullptr) != SQLITE_OK) {
+sqlite3_stmt* BancoLogs::Preparada(sqlite3_stmt*& st, const char* sql) {
+  if (!st && sqlite3_prepare_v3(db_, sql, -1, SQLITE_PREPARE_PERSISTENT, &st, nullptr) != SQLITE_OK) {
     sqlite3_finalize(st);
+    st = nullptr;
     ErroBanco(db_, "writing the log database");
   }
+  return st;
+}
+
+void BancoLogs::Passo(sqlite3_stmt* st) {
+  if (sqlite3_step(st) == SQLITE_DONE) {
+    sqlite3_reset(st);
+    return;
+  }
+  const std::string causa = std::string("writing the log database: ") + sqlite3_errmsg(db_);
+  sqlite3_reset(st);
+  throw ErroExecucao(CodigoErro::ErroDeEntradaSaida, causa);
+}
+
+void BancoLogs::EmTransacao(sqlite3_stmt* insercao, const std::function<void(sqlite3_stmt*)>& corpo) {
   try {
-    Executar("BEGIN IMMEDIATE");
-    corpo(st);
-    Executar("COMMIT");
+    Passo(Preparada(inicio_, "BEGIN IMMEDIATE"));
+    corpo(insercao);
+    Passo(Preparada(fim_, "COMMIT"));
   } catch (...) {
+    sqlite3_reset(insercao);
     sqlite3_exec(db_, "ROLLBACK", nullptr, nullptr, nullptr);
-    sqlite3_finalize(st);
     throw;
   }
-  sqlite3_finalize(st);
 }
 
 void BancoLogs::Registrar(const std::vector<RegistroLog>& registros) {
-  EmTransacao("INSERT INTO Logs (Musica, Data, Tipo) VALUES (?, ?, ?)", [&](sqlite3_stmt* st) {
+  sqlite3_stmt* insercao = Preparada(insercao_, "INSERT INTO Logs (Musica, Data, Tipo) VALUES (?, ?, ?)");
+  EmTransacao(insercao, [&](sqlite3_stmt* st) {
     for (const RegistroLog& r : registros) {
       const std::string data = FormatarIso(r.data);
       sqlite3_bind_int(st, 1, r.musica);
       sqlite3_bind_text(st, 2, data.c_str(), static_cast<int>(data.size()), SQLITE_TRANSIENT);
       sqlite3_bind_int(st, 3, r.tipo);
-      if (sqlite3_step(st) != SQLITE_DONE) ErroBanco(db_, "writing the log database");
-      sqlite3_reset(st);
+      Passo(st);
     }
   });
 }
 
 void BancoLogs::Preencher(const std::vector<LinhaBanco>& linhas,
                           const std::function<void()>& conferir) {
-  EmTransacao("INSERT INTO Logs (Codigo, Musica, Data, Tipo) VALUES (?, ?, ?, ?)", [&](sqlite3_stmt* st) {
+  sqlite3_stmt* insercao = nullptr;
+  Preparada(insercao, "INSERT INTO Logs (Codigo, Musica, Data, Tipo) VALUES (?, ?, ?, ?)");
+  // Finalized however the transaction ends: a conversion runs once.
+  const std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)> dono(insercao, sqlite3_finalize);
+  EmTransacao(insercao, [&](sqlite3_stmt* st) {
     // Counted inside the transaction, so an entry the player adds meanwhile is not mixed in.
     if (Escalar(db_, "SELECT count(*) FROM Logs") > 0)
       throw ErroExecucao(CodigoErro::ChamadaInvalida, "the log database already holds entries");

@@ -47,10 +47,17 @@ class BancoLogs {
 
  private:
   void Executar(const char* sql);
-  // Prepares `insercao` and runs `corpo` with it in one transaction: committed when it returns,
-  // rolled back when it raises.
-  void EmTransacao(const char* insercao, const std::function<void(sqlite3_stmt*)>& corpo);
+  // `st`, prepared on first use and kept: the player writes one entry a song for months.
+  sqlite3_stmt* Preparada(sqlite3_stmt*& st, const char* sql);
+  // Runs a statement that gives no rows, leaving it ready to run again.
+  void Passo(sqlite3_stmt* st);
+  // Runs `corpo` with `insercao` in one transaction: committed when it returns, rolled back when
+  // it raises.
+  void EmTransacao(sqlite3_stmt* insercao, const std::function<void(sqlite3_stmt*)>& corpo);
   sqlite3* db_ = nullptr;
+  sqlite3_stmt* inicio_ = nullptr;
+  sqlite3_stmt* fim_ = nullptr;
+  sqlite3_stmt* insercao_ = nullptr;
 };
 
 // Creates the log database with its table Logs and view VIEWLogs; an existing one is kept.
