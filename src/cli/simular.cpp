@@ -132,8 +132,7 @@ class ArquivosDaCopia final : public SistemaArquivos {
   std::vector<fs::path> Listar(const fs::path& pasta, std::string_view terminacao) override {
     if (pasta != mre_) return real_.Listar(pasta, terminacao);
     std::vector<fs::path> arquivos;
-    for (const std::string& nome : nomes_)
-      if (nome.ends_with(terminacao)) arquivos.push_back(mre_ / nome);
+    for (const std::string& nome : ListarNomes(pasta, terminacao)) arquivos.push_back(mre_ / nome);
     return arquivos;
   }
   std::vector<std::string> ListarNomes(const fs::path& pasta, std::string_view terminacao) override {

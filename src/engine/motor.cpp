@@ -62,8 +62,7 @@ void Motor::DefinirAcervo(int32_t CodAcervo, int16_t CarregarLogs) {
   const fs::path pasta = estado_.playlists.Playlists[estado_.playlists.PlaylistAtual];
   // Taken before reading, so a file that changes while it is read is read again next time.
   std::optional<CargaAcervo> insumos = InsumosDoAcervo(pasta);
-  const bool inalterado = insumos && ultimaCarga_ && insumos->pasta == ultimaCarga_->pasta &&
-                          insumos->lxdb == ultimaCarga_->lxdb && insumos->mre == ultimaCarga_->mre &&
+  const bool inalterado = insumos && ultimaCarga_ && insumos->MesmosArquivos(*ultimaCarga_) &&
                           estado_.VersaoAcervo() == ultimaCarga_->versaoAcervo;
   if (inalterado) {
     if (estado_.painel) estado_.painel->MostrarPlaylist(pasta);
@@ -78,8 +77,7 @@ void Motor::DefinirAcervo(int32_t CodAcervo, int16_t CarregarLogs) {
       // Only loads of known inputs are recorded, and never in debug mode (no inputs are known
       // then): its trace shows every line read.
       auto gravada = std::find_if(gravadas_.begin(), gravadas_.end(), [&](const CargaGravada& g) {
-        return insumos && g.insumos.pasta == insumos->pasta && g.insumos.lxdb == insumos->lxdb &&
-               g.insumos.mre == insumos->mre;
+        return insumos && g.insumos.MesmosArquivos(*insumos);
       });
       if (gravada != gravadas_.end()) {
         RegravarColecao(a, gravada->gravacao);

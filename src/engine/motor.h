@@ -84,6 +84,7 @@ class Motor {
     fs::path pasta;
     VersaoArquivo lxdb, mre;
     uint64_t versaoAcervo = 0;
+    bool MesmosArquivos(const CargaAcervo& o) const { return pasta == o.pasta && lxdb == o.lxdb && mre == o.mre; }
   };
   std::optional<CargaAcervo> ultimaCarga_;
   std::optional<CargaAcervo> InsumosDoAcervo(const fs::path& pasta);

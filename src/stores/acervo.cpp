@@ -70,6 +70,11 @@ namespace {
 
 std::string PrefixoMidias(const Acervo& acervo) { return (acervo.CaminhoApp / "mre" / "").string(); }
 
+// AcervoArquivos of a slot: the media folder, then the code's file name.
+void NomearArquivo(Acervo& a, long slot, const std::string& prefixo, const std::string& nome) {
+  a.AcervoArquivos[slot].assign(prefixo).append(nome);
+}
+
 void Gravar(const Acervo& a, long slot, int campos, GravacaoAcervo& g) {
   for (int k = 0; k < campos; ++k) {
     const std::u16string_view t = a.AcervoTags(slot, k);
@@ -109,14 +114,11 @@ void RegravarColecao(Acervo& acervo, const GravacaoAcervo& g) {
       inicio += g.tamanhos[t];
     }
   };
-  auto Arquivo = [&](long slot) {
-    acervo.AcervoArquivos[slot].assign(prefixo).append(NomeArquivoMusica(acervo.AcervoCodigos[slot]));
-  };
   for (long s = 0; s < g.total; ++s) {
     acervo.AcervoCodigos[s] = g.codigos[static_cast<size_t>(s)];
     acervo.AcervoVibe[s] = g.vibes[static_cast<size_t>(s)];
     Campos(s, static_cast<int>(kCampos));
-    Arquivo(s);
+    NomearArquivo(acervo, s, prefixo, NomeArquivoMusica(acervo.AcervoCodigos[s]));
   }
   if (g.codigoNaSobra) acervo.AcervoCodigos[g.total] = g.codigos[static_cast<size_t>(g.total)];
   if (g.camposNaSobra == kCampos) {
@@ -156,8 +158,8 @@ void CarregarColecao(SistemaArquivos& arquivos, Acervo& acervo, const fs::path& 
       acervo.AcervoTags.Definir(s, kCampoVibe, FormatarNumero(vibe));
       k = 0;
       const std::string nome = NomeArquivoMusica(acervo.AcervoCodigos[s]);
-      std::string& arquivo = acervo.AcervoArquivos[s];
-      arquivo.assign(prefixo).append(nome);
+      NomearArquivo(acervo, s, prefixo, nome);
+      const std::string& arquivo = acervo.AcervoArquivos[s];
       // Only an existing file of exactly that name keeps the song; otherwise the next
       // record takes its slot.
       const bool existe = std::binary_search(midias.begin(), midias.end(), nome) || arquivos.ArquivoExiste(arquivo);
