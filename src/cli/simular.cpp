@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <future>
+#include <map>
 #include <memory>
 #include <random>
 #include <unordered_map>
@@ -70,6 +71,9 @@ class CopiaDaEstacao {
   CopiaDaEstacao(const CopiaDaEstacao&) = delete;
   CopiaDaEstacao& operator=(const CopiaDaEstacao&) = delete;
   const fs::path& Pasta() const { return pasta_; }
+  // The station's version of each collection file copied whole: the copy holds that content,
+  // so a record of the station's load serves the copy's.
+  const std::map<fs::path, VersaoArquivo>& VersoesDasColecoes() const { return versoes_; }
 
  private:
   // $TMPDIR when set, else memory-backed /dev/shm where there is one: the run creates and
@@ -101,13 +105,17 @@ class CopiaDaEstacao {
         fs::create_directories(para / nome);
         Copiar(p, para / nome, false);
       } else if (it->is_regular_file(ec) && Copiavel(p)) {
+        const auto antes = nome == "lxdb.rdb" ? real_.Versao(p) : std::nullopt;
         fs::copy_file(p, para / nome, fs::copy_options::overwrite_existing);
         fs::last_write_time(para / nome, fs::last_write_time(p, ec), ec);
+        if (antes && real_.Versao(p) == antes) versoes_[para / nome] = *antes;
       }
     }
   }
 
+  SistemaArquivosReal real_;
   fs::path pasta_;
+  std::map<fs::path, VersaoArquivo> versoes_;
 };
 
 // The engine's file system during a run: in the copy's media folder stands an empty file for
@@ -116,7 +124,8 @@ class CopiaDaEstacao {
 // Everything else is the machine's own.
 class ArquivosDaCopia final : public SistemaArquivos {
  public:
-  ArquivosDaCopia(fs::path mreCopia, const fs::path& mreEstacao) : mre_(std::move(mreCopia)) {
+  ArquivosDaCopia(fs::path mreCopia, const fs::path& mreEstacao, std::map<fs::path, VersaoArquivo> versoes)
+      : mre_(std::move(mreCopia)), versoes_(std::move(versoes)) {
     for (std::string& nome : real_.ListarNomes(mreEstacao, ".mre")) nomes_.insert(std::move(nome));
     // Taken with the listing: the copy's songs stay what they were, so the engine need not
     // look at them again at every reload.
@@ -145,7 +154,9 @@ class ArquivosDaCopia final : public SistemaArquivos {
   bool CriarPastas(const fs::path& pasta) noexcept override { return real_.CriarPastas(pasta); }
   std::optional<MarcaArquivo> Marca(const fs::path& c) noexcept override { return real_.Marca(c); }
   std::optional<VersaoArquivo> Versao(const fs::path& c) noexcept override {
-    return c == mre_ ? versao_ : real_.Versao(c);
+    if (c == mre_) return versao_;
+    if (auto it = versoes_.find(c); it != versoes_.end()) return it->second;
+    return real_.Versao(c);
   }
 
  private:
@@ -157,6 +168,7 @@ class ArquivosDaCopia final : public SistemaArquivos {
   fs::path mre_;
   std::unordered_set<std::string> nomes_;
   std::optional<VersaoArquivo> versao_;
+  std::map<fs::path, VersaoArquivo> versoes_;
 };
 
 std::atomic<bool> g_interromper{false};
@@ -312,7 +324,7 @@ std::optional<Rodada> RodarSimulacao(Contexto& ctx, const fs::path& estacao, con
     });
 
   AmbienteSimulado ambiente(p.inicio, p.semente);
-  ArquivosDaCopia arquivosDaCopia(pasta / "mre", estacao / "mre");
+  ArquivosDaCopia arquivosDaCopia(pasta / "mre", estacao / "mre", copia->VersoesDasColecoes());
   ambiente.UsarArquivos(arquivosDaCopia);
   TocadorSimulado tocador(pasta, true);
   int nivel = NivelEm(p.inicio);

@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "engine/motor.h"
+#include "stores/gravacoes.h"
 #include "stores/historico_banco.h"
 
 namespace lumavox {
@@ -27,6 +28,7 @@ fs::path ResolverPastaApp(const std::string& opcaoDir) {
 
 void InstalarHistorico(Motor& motor) {
   motor.DefinirOrigemHistorico(std::make_unique<OrigemHistoricoBanco>(motor.CaminhoApp()));
+  motor.DefinirPastaGravacoes(PastaGravacoesDoUsuario());
 }
 
 }  // namespace lumavox

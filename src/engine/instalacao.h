@@ -1,5 +1,5 @@
 // What every front end does to put an engine on a station folder: find the folder and give the
-// engine the station's log database as its history.
+// engine the station's log database as its history and the user's cache of loads.
 #pragma once
 
 #include <filesystem>
@@ -15,7 +15,8 @@ class Motor;
 // station's programs have always lived).
 fs::path ResolverPastaApp(const std::string& opcaoDir);
 
-// Installs the station's log database as the engine's history source.
+// Installs the station's log database as the engine's history source, and the user's folder
+// of recorded collection loads.
 void InstalarHistorico(Motor& motor);
 
 }  // namespace lumavox

@@ -8,6 +8,7 @@
 #include "base/erro.h"
 #include "stores/agenda.h"
 #include "stores/debug.h"
+#include "stores/gravacoes.h"
 
 namespace lumavox {
 
@@ -83,22 +84,33 @@ void Motor::DefinirAcervo(int32_t CodAcervo, int16_t CarregarLogs) {
         RegravarColecao(a, gravada->gravacao);
         return;
       }
+      std::optional<GuardaGravacoes> guarda;
+      if (insumos && pastaGravacoes_) guarda.emplace(ambiente_.Arquivos(), *pastaGravacoes_);
+      const InsumosGravacao chave = insumos ? InsumosGravacao{insumos->lxdb, insumos->mre} : InsumosGravacao{};
+      if (guarda) {
+        // Not kept in memory as well: the record on disk serves the next load as quickly, and
+        // the collection takes its texts without a copy.
+        if (std::optional<GravacaoAcervo> g = guarda->Buscar(chave)) {
+          RegravarColecao(a, std::move(*g));
+          return;
+        }
+      }
       // One line per line read, on purpose: the trace shows the exact line a load stopped at.
       std::function<void(long)> aposLinha;
       if (estado_.ModoDebug)
         aposLinha = [this](long slot) { EscreverDebug(u"Musica: " + DeUtf8(std::to_string(slot))); };
-      // A folder is recorded from its second load on: a one-shot run loads once, and a station
-      // that came back to a playlist will come back again.
-      const bool gravar = insumos && std::find(carregadas_.begin(), carregadas_.end(), pasta) != carregadas_.end();
+      // Without a folder of records, a folder is recorded from its second load on: a one-shot
+      // run loads once, and a station that came back to a playlist will come back again.
+      const bool gravar =
+          insumos && (guarda || std::find(carregadas_.begin(), carregadas_.end(), pasta) != carregadas_.end());
       if (insumos && !gravar) carregadas_.push_back(pasta);
       GravacaoAcervo gravacao;
       CarregarColecao(ambiente_.Arquivos(), a, a.PastaDados, aposLinha, gravar ? &gravacao : nullptr);
       if (!gravar) return;
-      // A few playlists' worth: each record is a few megabytes.
-      constexpr size_t kGravadas = 4;
-      std::erase_if(gravadas_, [&](const CargaGravada& g) { return g.insumos.pasta == insumos->pasta; });
-      if (gravadas_.size() >= kGravadas) gravadas_.erase(gravadas_.begin());
-      gravadas_.push_back({*insumos, std::move(gravacao)});
+      if (guarda)
+        guarda->Guardar(chave, gravacao);
+      else
+        LembrarCarga(*insumos, std::move(gravacao));
     });
     if (insumos) {
       insumos->versaoAcervo = estado_.VersaoAcervo();
@@ -119,6 +131,14 @@ void Motor::DefinirAcervo(int32_t CodAcervo, int16_t CarregarLogs) {
 
   // Zero means "load the history"; the inverted reading is how every caller uses it.
   if (CarregarLogs == 0) CarregarMusicasTocadas();
+}
+
+void Motor::LembrarCarga(const CargaAcervo& insumos, GravacaoAcervo gravacao) {
+  // A few playlists' worth: each record is a few megabytes.
+  constexpr size_t kGravadas = 4;
+  std::erase_if(gravadas_, [&](const CargaGravada& g) { return g.insumos.pasta == insumos.pasta; });
+  if (gravadas_.size() >= kGravadas) gravadas_.erase(gravadas_.begin());
+  gravadas_.push_back({insumos, std::move(gravacao)});
 }
 
 std::optional<Motor::CargaAcervo> Motor::InsumosDoAcervo(const fs::path& pasta) {

@@ -32,6 +32,8 @@ class Motor {
 
   void DefinirOrigemHistorico(std::unique_ptr<OrigemHistorico> origem) { historico_ = std::move(origem); }
   void DefinirPainel(Painel* painel) { estado_.painel = painel; }
+  // Where collection loads are recorded between runs (GuardaGravacoes); none by default.
+  void DefinirPastaGravacoes(std::optional<fs::path> pasta) { pastaGravacoes_ = std::move(pasta); }
 
   // ---- Start-up and loading (motor.cpp) ----
 
@@ -95,6 +97,8 @@ class Motor {
     GravacaoAcervo gravacao;
   };
   std::vector<CargaGravada> gravadas_;
+  void LembrarCarga(const CargaAcervo& insumos, GravacaoAcervo gravacao);
+  std::optional<fs::path> pastaGravacoes_;
   std::vector<fs::path> carregadas_;  // folders loaded from known inputs so far
 };
 

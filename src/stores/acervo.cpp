@@ -52,6 +52,39 @@ void TagsAcervo::Definir(long slot, long campo, std::u16string_view texto) {
   if (texto_.size() > 2 * emUso_ + (1u << 20)) Compactar();
 }
 
+void TagsAcervo::DefinirEmOrdem(std::u16string textos, const std::vector<uint32_t>& tamanhos) {
+  uint64_t soma = 0;
+  for (uint32_t t : tamanhos) soma += t;
+  if (tamanhos.size() > static_cast<size_t>(kTotalSlots * kCampos) || soma != textos.size())
+    throw ErroExecucao(CodigoErro::ChamadaInvalida, "Invalid procedure call or argument");
+  uint64_t inicio = 0;
+  if (emUso_ == 0 && textos.size() <= UINT32_MAX) {
+    // No cell points into the buffer: the texts become it, with nothing copied.
+    texto_ = std::move(textos);
+  } else if (texto_.size() + textos.size() <= UINT32_MAX) {
+    inicio = texto_.size();
+    texto_.append(textos);
+  } else {
+    size_t de = 0;
+    for (size_t i = 0; i < tamanhos.size(); ++i) {
+      Definir(static_cast<long>(i) / kCampos, static_cast<long>(i) % kCampos,
+              std::u16string_view(textos).substr(de, tamanhos[i]));
+      de += tamanhos[i];
+    }
+    return;
+  }
+  for (size_t i = 0; i < tamanhos.size(); ++i) {
+    Celula& c = celulas_(static_cast<long>(i) / kCampos, static_cast<long>(i) % kCampos);
+    emUso_ -= c.tamanho;
+    c.inicio = static_cast<uint32_t>(inicio);
+    c.tamanho = tamanhos[i];
+    emUso_ += c.tamanho;
+    inicio += c.tamanho;
+  }
+  versao_ = ++proximaVersao_;
+  if (texto_.size() > 2 * emUso_ + (1u << 20)) Compactar();
+}
+
 void TagsAcervo::Compactar() {
   std::u16string novo;
   novo.reserve(emUso_);
@@ -83,7 +116,8 @@ void Gravar(const Acervo& a, long slot, int campos, GravacaoAcervo& g) {
   }
 }
 
-void Registrar(const Acervo& a, long total, int linhasNaSobra, bool descartada, GravacaoAcervo& g) {
+void Registrar(const Acervo& a, long total, int linhasNaSobra, bool descartada, const std::string& nomeDescartada,
+               GravacaoAcervo& g) {
   g = GravacaoAcervo();
   g.total = static_cast<int16_t>(total);
   for (long s = 0; s < total; ++s) {
@@ -98,34 +132,26 @@ void Registrar(const Acervo& a, long total, int linhasNaSobra, bool descartada, 
   if (g.codigoNaSobra) g.codigos.push_back(a.AcervoCodigos[total]);
   if (descartada) {
     g.vibes.push_back(a.AcervoVibe[total]);
-    g.arquivoNaSobra = a.AcervoArquivos[total];
+    g.arquivoNaSobra = nomeDescartada;
   }
   Gravar(a, total, g.camposNaSobra, g);
 }
 
 }  // namespace
 
-void RegravarColecao(Acervo& acervo, const GravacaoAcervo& g) {
+void RegravarColecao(Acervo& acervo, GravacaoAcervo g) {
   const std::string prefixo = PrefixoMidias(acervo);
-  size_t t = 0, inicio = 0;
-  auto Campos = [&](long slot, int campos) {
-    for (int k = 0; k < campos; ++k, ++t) {
-      acervo.AcervoTags.Definir(slot, k, std::u16string_view(g.textos).substr(inicio, g.tamanhos[t]));
-      inicio += g.tamanhos[t];
-    }
-  };
   for (long s = 0; s < g.total; ++s) {
     acervo.AcervoCodigos[s] = g.codigos[static_cast<size_t>(s)];
     acervo.AcervoVibe[s] = g.vibes[static_cast<size_t>(s)];
-    Campos(s, static_cast<int>(kCampos));
     NomearArquivo(acervo, s, prefixo, NomeArquivoMusica(acervo.AcervoCodigos[s]));
   }
   if (g.codigoNaSobra) acervo.AcervoCodigos[g.total] = g.codigos[static_cast<size_t>(g.total)];
   if (g.camposNaSobra == kCampos) {
     acervo.AcervoVibe[g.total] = g.vibes[static_cast<size_t>(g.total)];
-    acervo.AcervoArquivos[g.total] = g.arquivoNaSobra;
+    NomearArquivo(acervo, g.total, prefixo, g.arquivoNaSobra);
   }
-  Campos(g.total, g.camposNaSobra);
+  acervo.AcervoTags.DefinirEmOrdem(std::move(g.textos), g.tamanhos);
   acervo.TotalMusicas = g.total;
 }
 
@@ -145,6 +171,7 @@ void CarregarColecao(SistemaArquivos& arquivos, Acervo& acervo, const fs::path& 
   long s = 0;
   int k = 0;
   bool descartada = false;  // a whole record was written into slot s and dropped
+  std::string nome;          // the media file name of the last whole record
   ParaCadaLinhaCodificada(arquivos, pasta / "lxdb.rdb", [&](Texto&& texto) {
     if (k == 0) {
       int32_t codigo = TextoParaInteiro32(texto);
@@ -157,7 +184,7 @@ void CarregarColecao(SistemaArquivos& arquivos, Acervo& acervo, const fs::path& 
       acervo.AcervoVibe[s] = vibe;
       acervo.AcervoTags.Definir(s, kCampoVibe, FormatarNumero(vibe));
       k = 0;
-      const std::string nome = NomeArquivoMusica(acervo.AcervoCodigos[s]);
+      nome = NomeArquivoMusica(acervo.AcervoCodigos[s]);
       NomearArquivo(acervo, s, prefixo, nome);
       const std::string& arquivo = acervo.AcervoArquivos[s];
       // Only an existing file of exactly that name keeps the song; otherwise the next
@@ -168,7 +195,7 @@ void CarregarColecao(SistemaArquivos& arquivos, Acervo& acervo, const fs::path& 
     }
     if (aposLinha) aposLinha(s);
   });
-  if (gravacao) Registrar(acervo, s, k, descartada, *gravacao);
+  if (gravacao) Registrar(acervo, s, k, descartada, nome, *gravacao);
   acervo.TotalMusicas = static_cast<int16_t>(s);
 }
 

@@ -51,6 +51,9 @@ class TagsAcervo {
     return {texto_.data() + c.inicio, c.tamanho};
   }
   void Definir(long slot, long campo, std::u16string_view texto);
+  // What Definir leaves after writing, in turn, the first tamanhos.size() cells in slot order
+  // (slot 0 field 0, field 1, ...) with the texts end to end in `textos`, in one write.
+  void DefinirEmOrdem(std::u16string textos, const std::vector<uint32_t>& tamanhos);
   // 0 until the first write: every text is then empty.
   uint64_t Versao() const { return versao_; }
 
@@ -98,7 +101,9 @@ struct GravacaoAcervo {
   // dropped song, whose vibe and file were written too), and whether its code was.
   int camposNaSobra = 0;
   bool codigoNaSobra = false;
-  std::string arquivoNaSobra;  // the dropped song's file, named by its code, not the slot's last
+  // The dropped song's media file name (its folder is the collection's own), named by its code,
+  // not by the code an unfinished record after it left in the slot.
+  std::string arquivoNaSobra;
 };
 
 // Reads `pasta`/lxdb.rdb into the collection, dropping songs whose .mre file is missing,
@@ -110,6 +115,6 @@ void CarregarColecao(SistemaArquivos& arquivos, Acervo& acervo, const fs::path& 
                      const std::function<void(long slot)>& aposLinha, GravacaoAcervo* gravacao = nullptr);
 
 // Writes into the collection what a load recorded, as that load wrote it.
-void RegravarColecao(Acervo& acervo, const GravacaoAcervo& gravacao);
+void RegravarColecao(Acervo& acervo, GravacaoAcervo gravacao);
 
 }  // namespace lumavox

@@ -44,6 +44,7 @@ class SistemaArquivosFalho : public SistemaArquivos {
   std::vector<fs::path> Listar(const fs::path& pasta, std::string_view terminacao) override;
   bool CriarPastas(const fs::path& pasta) noexcept override;
   std::optional<MarcaArquivo> Marca(const fs::path& caminho) noexcept override;
+  std::optional<VersaoArquivo> Versao(const fs::path& caminho) noexcept override { return base_.Versao(caminho); }
 
  private:
   static fs::path Normal(const fs::path& caminho);

@@ -5,6 +5,7 @@
 #include <climits>
 
 #include "apoio/estacao.h"
+#include "apoio/sistema_arquivos_falho.h"
 
 namespace lumavox {
 namespace {
@@ -153,6 +154,50 @@ TEST_F(MotorCarga, RecargaDeArquivosInalteradosNaoRefazOAcervo) {
   const uint64_t recente = motor.E().VersaoAcervo();
   DefinirAcervo();
   EXPECT_NE(motor.E().VersaoAcervo(), recente);
+}
+
+// A second engine on the station takes the first one's load from the folder of records without
+// reading lxdb.rdb (here refused to it); once the file changes, the record no longer answers.
+TEST_F(MotorCarga, CargaGuardadaServeOutroMotorAteAColecaoMudar) {
+  const auto antigo = fs::file_time_type::clock::now() - std::chrono::hours(1);
+  auto envelhecer = [&] {
+    fs::last_write_time(estacao.Caminho("lxdb.rdb"), antigo);
+    fs::last_write_time(estacao.Caminho("mre"), antigo);
+  };
+  const fs::path registros = estacao.Caminho("cache");
+  envelhecer();
+  motor.DefinirPastaGravacoes(registros);
+  DefinirAcervo();
+  ASSERT_EQ(motor.E().acervo().TotalMusicas, 3);
+
+  teste::SistemaArquivosFalho arquivos;
+  arquivos.NegarLeitura(estacao.Caminho("lxdb.rdb"));
+  auto Outro = [&] {
+    AmbienteFixo outroAmbiente{MontarDataHora(2026, 11, 22, 9, 0, 0)};
+    outroAmbiente.DefinirArquivos(arquivos);
+    auto outro = std::make_unique<Motor>(estacao.Pasta(), outroAmbiente);
+    outro->DefinirPastaGravacoes(registros);
+    outro->AbrirPlaylists();
+    outro->E().playlists.PlaylistAtual = 0;
+    outro->DefinirAcervo(0, 1);
+    return std::make_unique<Acervo>(outro->E().acervo());
+  };
+  auto guardado = Outro();
+  const Acervo& lido = motor.E().acervo();
+  ASSERT_EQ(guardado->TotalMusicas, 3);
+  for (long s = 0; s < 3; ++s) {
+    EXPECT_EQ(guardado->AcervoCodigos[s], lido.AcervoCodigos[s]);
+    EXPECT_EQ(guardado->AcervoArquivos[s], lido.AcervoArquivos[s]);
+    for (long k = 0; k < kCampos; ++k) EXPECT_EQ(guardado->AcervoTags(s, k), lido.AcervoTags(s, k));
+  }
+
+  std::string depois = estacao.Ler("lxdb.rdb");
+  depois.replace(depois.find(EstacaoTeste::Codificada("3")), EstacaoTeste::Codificada("3").size(), EstacaoTeste::Codificada("1"));
+  estacao.GravarTexto("lxdb.rdb", depois);
+  envelhecer();
+  EXPECT_THROW(Outro(), ErroExecucao);  // not the stale record: the file, which it may not read
+  arquivos.Permitir();
+  EXPECT_EQ(Outro()->AcervoCodigos[2], 1);
 }
 
 }  // namespace
