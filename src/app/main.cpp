@@ -10,6 +10,7 @@
 
 #include "app/regras_teste.h"
 #include "app/sinais.h"
+#include "base/memoria.h"
 #include "engine/instalacao.h"
 
 namespace {
@@ -36,6 +37,7 @@ void AgendarCaptura(lumavox::app::RegrasTeste& form, const QString& arquivo) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  lumavox::PrepararAlocador();
   QApplication app(argc, argv);
   QApplication::setApplicationName("lumavox");
   // Hidden outside debug mode, the window is never the "last window" whose closing ends things.

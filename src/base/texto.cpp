@@ -91,16 +91,16 @@ std::vector<Texto> DividirLinhas(std::u16string_view texto) {
   return linhas;
 }
 
-Texto Maiusculas(std::u16string_view texto) {
-  Texto saida;
+void AcrescentarMaiusculas(Texto& saida, std::u16string_view texto) {
   // Plain ASCII, most tags, needs no case tables.
   if (std::all_of(texto.begin(), texto.end(), [](char16_t c) { return c < 0x80; })) {
-    saida.assign(texto);
-    for (char16_t& c : saida)
-      if (c >= u'a' && c <= u'z') c = static_cast<char16_t>(c - 32);
-    return saida;
+    const size_t inicio = saida.size();
+    saida.append(texto);
+    for (size_t i = inicio; i < saida.size(); ++i)
+      if (saida[i] >= u'a' && saida[i] <= u'z') saida[i] = static_cast<char16_t>(saida[i] - 32);
+    return;
   }
-  saida.reserve(texto.size());
+  saida.reserve(saida.size() + texto.size());
   const UChar* dados = reinterpret_cast<const UChar*>(texto.data());
   int32_t tamanho = static_cast<int32_t>(texto.size());
   for (int32_t i = 0; i < tamanho;) {
@@ -114,6 +114,11 @@ Texto Maiusculas(std::u16string_view texto) {
       saida.push_back(static_cast<char16_t>(U16_TRAIL(m)));
     }
   }
+}
+
+Texto Maiusculas(std::u16string_view texto) {
+  Texto saida;
+  AcrescentarMaiusculas(saida, texto);
   return saida;
 }
 

@@ -23,6 +23,8 @@ std::vector<Texto> DividirLinhas(std::u16string_view texto);
 
 // Unicode simple upper-case mapping, code point by code point ("á" -> "Á", "ß" stays).
 Texto Maiusculas(std::u16string_view texto);
+// Maiusculas(texto) appended to `saida`; `texto` must not lie inside `saida`.
+void AcrescentarMaiusculas(Texto& saida, std::u16string_view texto);
 bool IguaisSemCaixa(std::u16string_view a, std::u16string_view b);
 
 }  // namespace lumavox

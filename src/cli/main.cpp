@@ -1,3 +1,7 @@
+#include "base/memoria.h"
 #include "cli/comandos.h"
 
-int main(int argc, char** argv) { return lumavox::cli::Executar(argc, argv); }
+int main(int argc, char** argv) {
+  lumavox::PrepararAlocador();
+  return lumavox::cli::Executar(argc, argv);
+}

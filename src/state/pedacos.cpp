@@ -1,5 +1,6 @@
 #include "state/pedacos.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "base/numeros.h"
@@ -48,17 +49,19 @@ void PedacosTexto::Preparar(std::u16string_view texto, TipoDivisao tipo) {
   tipo_ = tipo;
   numeroInteiro_ = 0;
   pedacos_.clear();
-  Texto maiusculo = Maiusculas(texto);
-  tamanhoOriginal_ = static_cast<uint32_t>(texto.size());
-  tamanhoMaiusculo_ = static_cast<uint32_t>(maiusculo.size());
+  dados_.reserve(2 * texto.size());
   dados_.assign(texto);
-  dados_.append(maiusculo);
+  AcrescentarMaiusculas(dados_, texto);
+  tamanhoOriginal_ = static_cast<uint32_t>(texto.size());
+  tamanhoMaiusculo_ = static_cast<uint32_t>(dados_.size() - texto.size());
 
   // Upper-casing keeps the length for every code point ICU maps; should it ever not, positions
-  // are walked on the original text and each piece is upper-cased on its own.
-  const bool alinhado = maiusculo.size() == texto.size();
-  const std::u16string_view maius(maiusculo);
+  // are walked on the original text and each piece is upper-cased on its own (appended to the
+  // buffer, so the upper-case view below is read only when aligned).
+  const bool alinhado = tamanhoMaiusculo_ == texto.size();
+  const std::u16string_view maius = Maiusculo();
   const size_t n = texto.size();
+  if (tipo != TipoDivisao::Artista) pedacos_.reserve(static_cast<size_t>(std::count(texto.begin(), texto.end(), u';')) + 1);
   size_t inicio = 0;
   for (size_t p = 0; p < n; ++p) {
     size_t salto = 0;

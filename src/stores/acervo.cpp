@@ -1,6 +1,8 @@
 #include "stores/acervo.h"
 
 #include <algorithm>
+#include <charconv>
+#include <cstdlib>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -142,9 +144,20 @@ void Registrar(const Acervo& a, long total, int linhasNaSobra, bool descartada, 
 void RegravarColecao(Acervo& acervo, GravacaoAcervo g) {
   const std::string prefixo = PrefixoMidias(acervo);
   for (long s = 0; s < g.total; ++s) {
-    acervo.AcervoCodigos[s] = g.codigos[static_cast<size_t>(s)];
+    const int32_t codigo = g.codigos[static_cast<size_t>(s)];
+    acervo.AcervoCodigos[s] = codigo;
     acervo.AcervoVibe[s] = g.vibes[static_cast<size_t>(s)];
-    NomearArquivo(acervo, s, prefixo, NomeArquivoMusica(acervo.AcervoCodigos[s]));
+    // NomeArquivoMusica written in place: thousands of paths, one allocation each.
+    char digitos[16];
+    const auto fim = std::to_chars(digitos, digitos + sizeof digitos, std::abs(static_cast<long long>(codigo))).ptr;
+    const auto n = static_cast<size_t>(fim - digitos);
+    std::string& arquivo = acervo.AcervoArquivos[s];
+    arquivo.clear();
+    arquivo.reserve(prefixo.size() + 1 + std::max<size_t>(n, 7) + 4);
+    arquivo.append(prefixo);
+    if (codigo < 0) arquivo += '-';
+    if (n < 7) arquivo.append(7 - n, '0');
+    arquivo.append(digitos, n).append(".mre");
   }
   if (g.codigoNaSobra) acervo.AcervoCodigos[g.total] = g.codigos[static_cast<size_t>(g.total)];
   if (g.camposNaSobra == kCampos) {

@@ -120,7 +120,9 @@ TEST_F(CarregarAcervo, CargaGravadaRegravadaIgualALerDeNovo) {
   CarregarColecao(ArquivosReais(), antes, estacao.Caminho("antes"), nullptr);
   for (bool ultimaSemMre : {false, true}) {
     for (int cortadas : {0, 5, 32}) {
-      estacao.Musica(1, {{"Artista", "A"}}).Musica(2, {{"Velocidade", "8"}}).Musica(3, {{"Artista", "C"}}, !ultimaSemMre);
+      // Codes of every width, and a negative one, name their media files as well.
+      estacao.Musica(-5).Musica(12345678).Musica(1, {{"Artista", "A"}}).Musica(2, {{"Velocidade", "8"}});
+      estacao.Musica(3, {{"Artista", "C"}}, !ultimaSemMre);
       // Song 4 loses its last lines: fields from 27 on (or all of them) are never read.
       if (cortadas) estacao.Musica(4, {{"Artista", "D"}, {26, "d26"}, {27, "d27"}});
       estacao.GravarAcervo("agora");
