@@ -115,6 +115,14 @@ class Leitura {
     pos_ += n * sizeof(T);
     return true;
   }
+  bool Latin1(std::u16string& v, uint64_t n) {
+    if (n > bytes_.size() - pos_) return false;
+    v.resize(n);
+    const auto* b = reinterpret_cast<const unsigned char*>(bytes_.data() + pos_);
+    for (size_t i = 0; i < n; ++i) v[i] = b[i];
+    pos_ += n;
+    return true;
+  }
   bool Versao(VersaoArquivo& v) {
     return Valor(v.dispositivo) && Valor(v.inode) && Valor(v.tamanho) && Valor(v.modificadoNs) &&
            Valor(v.mudadoNs);
@@ -159,11 +167,20 @@ std::string SerializarGravacao(const GravacaoAcervo& g, const InsumosGravacao& i
   e.Valor(static_cast<uint64_t>(g.vibes.size()));
   e.Valor(static_cast<uint64_t>(g.tamanhos.size()));
   e.Valor(static_cast<uint64_t>(g.textos.size()));
+  // Tags are mostly Latin-1: one byte a character then, half the file to read and check.
+  const bool latin1 = std::all_of(g.textos.begin(), g.textos.end(), [](char16_t c) { return c < 0x100; });
+  e.Valor(static_cast<uint8_t>(latin1));
   e.Valor(static_cast<uint64_t>(g.arquivoNaSobra.size()));
   e.Vetor(g.codigos.data(), g.codigos.size());
   e.Vetor(g.vibes.data(), g.vibes.size());
   e.Vetor(g.tamanhos.data(), g.tamanhos.size());
-  e.Vetor(g.textos.data(), g.textos.size());
+  if (latin1) {
+    std::string bytes(g.textos.size(), '\0');
+    std::transform(g.textos.begin(), g.textos.end(), bytes.begin(), [](char16_t c) { return static_cast<char>(c); });
+    e.Vetor(bytes.data(), bytes.size());
+  } else {
+    e.Vetor(g.textos.data(), g.textos.size());
+  }
   e.Vetor(g.arquivoNaSobra.data(), g.arquivoNaSobra.size());
   e.Valor(Soma(e.Bytes()));
   return std::move(e.Bytes());
@@ -183,12 +200,12 @@ std::optional<GravacaoAcervo> LerGravacao(std::string_view bytes, const InsumosG
   std::string id;
   InsumosGravacao lidos;
   int32_t total, camposNaSobra;
-  uint8_t codigoNaSobra;
+  uint8_t codigoNaSobra, latin1;
   uint64_t nCodigos, nVibes, nTamanhos, nTextos, nArquivo;
   if (!l.Valor(tamanhoIdentidade) || !l.Vetor(id, tamanhoIdentidade) || id != identidade ||
       !l.Versao(lidos.lxdb) || !l.Versao(lidos.mre) || !(lidos == insumos) || !l.Valor(total) ||
       !l.Valor(camposNaSobra) || !l.Valor(codigoNaSobra) || !l.Valor(nCodigos) || !l.Valor(nVibes) ||
-      !l.Valor(nTamanhos) || !l.Valor(nTextos) || !l.Valor(nArquivo))
+      !l.Valor(nTamanhos) || !l.Valor(nTextos) || !l.Valor(latin1) || latin1 > 1 || !l.Valor(nArquivo))
     return std::nullopt;
   // The shape RegravarColecao walks: a record that breaks it was not written by Serializar.
   if (total < 0 || total > kTotalSlots || camposNaSobra < 0 || camposNaSobra > kCampos || codigoNaSobra > 1)
@@ -206,7 +223,8 @@ std::optional<GravacaoAcervo> LerGravacao(std::string_view bytes, const InsumosG
   g.camposNaSobra = camposNaSobra;
   g.codigoNaSobra = codigoNaSobra != 0;
   if (!l.Vetor(g.codigos, nCodigos) || !l.Vetor(g.vibes, nVibes) || !l.Vetor(g.tamanhos, nTamanhos) ||
-      !l.Vetor(g.textos, nTextos) || !l.Vetor(g.arquivoNaSobra, nArquivo) || !l.Fim())
+      !(latin1 ? l.Latin1(g.textos, nTextos) : l.Vetor(g.textos, nTextos)) || !l.Vetor(g.arquivoNaSobra, nArquivo) ||
+      !l.Fim())
     return std::nullopt;
   uint64_t somaTamanhos = 0;
   for (uint32_t t : g.tamanhos) somaTamanhos += t;

@@ -16,7 +16,7 @@ using teste::EstacaoTeste;
 class Gravacoes : public ::testing::Test {
  protected:
   Gravacoes() {
-    estacao.Musica(1, {{"Artista", "Ana"}, {"Ritmo", "Lenta;"}}).Musica(2, {{"Artista", "Bia"}}).Musica(3);
+    estacao.Musica(1, {{"Artista", "Ána Ção"}, {"Ritmo", "Lenta;"}}).Musica(2, {{"Artista", "Bia"}}).Musica(3);
     estacao.GravarAcervo();
     Acervo a;
     a.CaminhoApp = estacao.Pasta();
@@ -43,6 +43,14 @@ TEST_F(Gravacoes, SoORegistroIntactoDosMesmosInsumosEDoMesmoProgramaVale) {
   auto lida = LerGravacao(bytes, insumos, "id");
   ASSERT_TRUE(lida);
   EXPECT_TRUE(Igual(*lida, gravacao));
+  // Latin-1 texts are kept a byte each; one character beyond it keeps them all as they are.
+  GravacaoAcervo larga = gravacao;
+  larga.textos[0] = u'Ő';
+  const std::string bytesLargos = SerializarGravacao(larga, insumos, "id");
+  EXPECT_GT(bytesLargos.size(), bytes.size() + larga.textos.size() / 2);
+  auto lidaLarga = LerGravacao(bytesLargos, insumos, "id");
+  ASSERT_TRUE(lidaLarga);
+  EXPECT_TRUE(Igual(*lidaLarga, larga));
 
   for (size_t i = 0; i < bytes.size(); i += 7) {
     std::string danificado = bytes;
