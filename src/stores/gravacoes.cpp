@@ -4,6 +4,10 @@
 #include <link.h>
 #include <unistd.h>
 
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -117,9 +121,20 @@ class Leitura {
   }
   bool Latin1(std::u16string& v, uint64_t n) {
     if (n > bytes_.size() - pos_) return false;
-    v.resize(n);
     const auto* b = reinterpret_cast<const unsigned char*>(bytes_.data() + pos_);
-    for (size_t i = 0; i < n; ++i) v[i] = b[i];
+    v.resize(n);
+    char16_t* d = v.data();
+    size_t i = 0;
+#ifdef __SSE2__
+    // Sixteen characters at a time: a megabyte of tags, widened as fast as it is read.
+    const __m128i zero = _mm_setzero_si128();
+    for (; i + 16 <= n; i += 16) {
+      const __m128i x = _mm_loadu_si128(reinterpret_cast<const __m128i*>(b + i));
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(d + i), _mm_unpacklo_epi8(x, zero));
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(d + i + 8), _mm_unpackhi_epi8(x, zero));
+    }
+#endif
+    for (; i < n; ++i) d[i] = b[i];
     pos_ += n;
     return true;
   }
