@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <iostream>
 #include <system_error>
@@ -13,7 +14,15 @@
 namespace lumavox::cli {
 
 int Executar(int argc, char** argv) {
-  return Executar(std::vector<std::string>(argv + 1, argv + argc), std::cout, std::cerr);
+  std::vector<std::shared_ptr<void>> sobras;
+  const int codigo = Executar(std::vector<std::string>(argv + 1, argv + argc), std::cout, std::cerr, &sobras);
+  if (sobras.empty()) return codigo;
+  // A one-shot run ends here: freeing its tens of thousands of blocks one by one would only
+  // delay the exit, which gives the memory back all at once.
+  std::cout.flush();
+  std::cerr.flush();
+  std::fflush(nullptr);
+  std::_Exit(codigo);
 }
 
 namespace {
@@ -28,12 +37,13 @@ constexpr const char* kRodapeAjuda =
     "  schedule-tables.md tabelas de agenda da regra 25 (rdb tabela)";
 }  // namespace
 
-int Executar(std::vector<std::string> argumentos, std::ostream& saida, std::ostream& erros) {
+int Executar(std::vector<std::string> argumentos, std::ostream& saida, std::ostream& erros,
+             std::vector<std::shared_ptr<void>>* sobras) {
   CLI::App app{"lumavox-cli: o motor de seleção de músicas sem janela", "lumavox-cli"};
   app.require_subcommand(1);
   // Set before the subcommands are added, so each one's help carries it too.
   app.footer(kRodapeAjuda);
-  Contexto ctx{saida, erros};
+  Contexto ctx{saida, erros, 0, {}};
   RegistrarRdb(app, ctx);
   RegistrarAcervo(app, ctx);
   RegistrarDemo(app, ctx);
@@ -55,6 +65,7 @@ int Executar(std::vector<std::string> argumentos, std::ostream& saida, std::ostr
     erros << "lumavox-cli: " << e.what() << "\n";
     return 2;
   }
+  if (sobras) *sobras = std::move(ctx.paraOFim);
   return ctx.codigoSaida;
 }
 

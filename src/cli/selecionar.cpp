@@ -105,12 +105,16 @@ void ExecutarSelecao(Contexto& ctx, const OpcoesSelecao& op) {
     for (const SelecaoFeita& s : r.selecoes) selecoes.push_back(SelecaoJson(e, s));
     nlohmann::ordered_json doc = {{"total_musicas", e.acervo().TotalMusicas}, {"selecoes", std::move(selecoes)}};
     ctx.saida << doc.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << "\n";
-    return;
+  } else {
+    ctx.saida << "TotalMusicas: " << e.acervo().TotalMusicas << "\n";
+    if (r.selecoes.empty()) ctx.saida << "Nenhuma seleção feita.\n";
+    for (const SelecaoFeita& s : r.selecoes)
+      if (const NoLog* no = ProcurarSelecao(e, s.chaveLog)) ImprimirArvore(ctx.saida, *no);
   }
-  ctx.saida << "TotalMusicas: " << e.acervo().TotalMusicas << "\n";
-  if (r.selecoes.empty()) ctx.saida << "Nenhuma seleção feita.\n";
-  for (const SelecaoFeita& s : r.selecoes)
-    if (const NoLog* no = ProcurarSelecao(e, s.chaveLog)) ImprimirArvore(ctx.saida, *no);
+  // The history source holds the log database open; the rest of the engine is only memory.
+  motor->DefinirOrigemHistorico(nullptr);
+  ctx.DeixarParaOFim(std::move(motor));
+  ctx.DeixarParaOFim(std::move(ambiente));
 }
 
 std::atomic<bool> g_parar{false};

@@ -5,8 +5,10 @@
 #include <CLI/CLI.hpp>
 
 #include <filesystem>
+#include <memory>
 #include <ostream>
 #include <string>
+#include <vector>
 
 namespace lumavox {
 class Motor;
@@ -20,6 +22,13 @@ struct Contexto {
   std::ostream& saida;
   std::ostream& erros;
   int codigoSaida = 0;
+  // Objects a command is done with and that hold nothing but memory: the process's exit takes
+  // them back faster than their destructors would.
+  std::vector<std::shared_ptr<void>> paraOFim;
+  template <typename T>
+  void DeixarParaOFim(std::unique_ptr<T> objeto) {
+    paraOFim.push_back(std::shared_ptr<T>(std::move(objeto)));
+  }
 };
 
 // The application folder named by --dir/LUMAVOX_DIR/the executable, or a message on stderr
