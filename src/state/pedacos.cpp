@@ -25,6 +25,17 @@ const std::array<Texto, 20>& SeparadoresArtista() {
   return separadores;
 }
 
+// Whether an upper-cased character is the second of some artist separator.
+bool SegundaLetraDeSeparador(char16_t c) {
+  static const Texto segundas = [] {
+    Texto t;
+    for (const Texto& s : SeparadoresArtista())
+      if (t.find(s[1]) == Texto::npos) t += s[1];
+    return t;
+  }();
+  return segundas.find(c) != Texto::npos;
+}
+
 // Tags and their pieces are short: an inline loop answers them faster than a call to memcmp,
 // which this test makes millions of times in a selection.
 bool Iguais(std::u16string_view a, std::u16string_view b) {
@@ -69,6 +80,8 @@ void PedacosTexto::Preparar(std::u16string_view texto, TipoDivisao tipo) {
     if (tipo == TipoDivisao::Artista) {
       // Every separator starts with a blank, and only a blank upper-cases to a blank.
       if (texto[p] != u' ') continue;
+      // Most blanks separate words: a character after it that starts no separator settles it.
+      if (alinhado && (p + 1 >= n || !SegundaLetraDeSeparador(maius[p + 1]))) continue;
       for (const Texto& s : SeparadoresArtista()) {
         if (p + s.size() > n) continue;
         bool igual =
