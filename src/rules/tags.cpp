@@ -1,6 +1,7 @@
 #include "rules/tags.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "base/numeros.h"
 #include "state/pedacos.h"
@@ -154,25 +155,29 @@ void ValoresOuvidos::Adicionar(Estado& e, int16_t campo, long slot) {
   if (slot >= kUltimoSlot) return;  // the last slot never shares a value
   if (vazio_) {
     e.cacheTags.ReiniciarNumeracaoSeGrande();
+    numeros_ = &e.cacheTags.Numerados(campo, e.acervo().AcervoTags);
     inteiros_.assign(e.cacheTags.LimiteNumeros(), 0);
     pedacos_.assign(e.cacheTags.LimiteNumeros(), 0);
   }
-  const PedacosTexto& p = e.cacheTags.DoSlotNumerado(slot, campo, e.acervo().AcervoTags);
-  if (p.Original().empty()) return;  // two empty values never match, and an empty one has no pieces
+  const auto i = static_cast<size_t>(slot);
+  if (numeros_->inteiro[i] == 0) return;  // two empty values never match, and an empty one has no pieces
   vazio_ = false;
-  Marcar(inteiros_, p.NumeroInteiro());
+  Marcar(inteiros_, numeros_->inteiro[i]);
   // Every piece of the heard song counts, "POP" included: the exception is for the candidate's.
-  for (const Pedaco& q : p.Pedacos()) Marcar(pedacos_, q.numeroTexto);
+  for (uint32_t k = numeros_->inicio[i]; k < numeros_->inicio[i + 1]; ++k)
+    Marcar(pedacos_, std::abs(numeros_->pedacos[k]));
 }
 
 bool ValoresOuvidos::Compartilha(Estado& e, int16_t campo, long slot) const {
+  (void)e;
+  (void)campo;  // the numbers of the field Adicionar was given
   if (slot >= kUltimoSlot || vazio_) return false;
-  const PedacosTexto& p = e.cacheTags.DoSlotNumerado(slot, campo, e.acervo().AcervoTags);
-  if (p.Original().empty()) return false;
-  if (Marcado(inteiros_, p.NumeroInteiro())) return true;
-  for (const Pedaco& q : p.Pedacos()) {
-    if (!q.final && p.Vista(q) == u"POP") continue;
-    if (Marcado(pedacos_, q.numeroTexto)) return true;
+  const auto i = static_cast<size_t>(slot);
+  if (numeros_->inteiro[i] == 0) return false;
+  if (Marcado(inteiros_, numeros_->inteiro[i])) return true;
+  for (uint32_t k = numeros_->inicio[i]; k < numeros_->inicio[i + 1]; ++k) {
+    const int32_t numero = numeros_->pedacos[k];
+    if (numero > 0 && Marcado(pedacos_, numero)) return true;  // a leading "POP" is skipped
   }
   return false;
 }

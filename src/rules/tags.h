@@ -61,7 +61,8 @@ class ValoresOuvidos {
  public:
   static bool Serve(const Estado& e, int16_t campo);
   void Adicionar(Estado& e, int16_t campo, long slot);
-  // MesmoValorTag(e, campo, slot, s) for some s added.
+  // MesmoValorTag(e, campo, slot, s) for some s added, all of one field; the tag table must not
+  // change in between.
   bool Compartilha(Estado& e, int16_t campo, long slot) const;
 
  private:
@@ -69,6 +70,7 @@ class ValoresOuvidos {
   std::vector<uint8_t> inteiros_;
   std::vector<uint8_t> pedacos_;
   bool vazio_ = true;
+  const CacheTags::NumerosCampo* numeros_ = nullptr;  // the field's, from the first Adicionar
 };
 
 }  // namespace lumavox

@@ -142,6 +142,8 @@ void CacheTags::Limpar() {
   for (auto& s : slots_) s.reset();
   for (auto& v : versoes_) v.reset();
   numeros_.clear();
+  ++geracaoNumeros_;
+  for (auto& n : numerados_) n.reset();
   for (MapaTextos& m : textos_) m.clear();
   for (FiltroPreparado& f : filtros_) f = FiltroPreparado();
   ultimoFiltro_ = proximoFiltro_ = 0;
@@ -186,11 +188,35 @@ int32_t CacheTags::Numerar(std::u16string_view texto) {
   return numero;
 }
 
+const CacheTags::NumerosCampo& CacheTags::Numerados(int16_t campo, const TagsAcervo& tags) {
+  if (campo < 0 || campo >= kCampos) static_cast<void>(tags(0, campo));  // raises the table's own error
+  std::unique_ptr<NumerosCampo>& n = numerados_[static_cast<size_t>(campo)];
+  if (n && n->versaoTags == tags.Versao() && n->geracao == geracaoNumeros_) return *n;
+  if (!n) n = std::make_unique<NumerosCampo>();
+  n->inteiro.assign(static_cast<size_t>(kSlots), 0);
+  n->inicio.assign(static_cast<size_t>(kSlots) + 1, 0);
+  n->pedacos.clear();
+  for (long s = 0; s < kSlots; ++s) {
+    const PedacosTexto& p = DoSlotNumerado(s, campo, tags);
+    const auto i = static_cast<size_t>(s);
+    n->inicio[i] = static_cast<uint32_t>(n->pedacos.size());
+    if (p.Original().empty()) continue;
+    n->inteiro[i] = p.NumeroInteiro();
+    for (const Pedaco& q : p.Pedacos())
+      n->pedacos.push_back(!q.final && p.Vista(q) == u"POP" ? -q.numeroTexto : q.numeroTexto);
+  }
+  n->inicio[static_cast<size_t>(kSlots)] = static_cast<uint32_t>(n->pedacos.size());
+  n->versaoTags = tags.Versao();
+  n->geracao = geracaoNumeros_;
+  return *n;
+}
+
 void CacheTags::ReiniciarNumeracaoSeGrande() {
   // Every tag of a full collection and its pieces fit many times over.
   constexpr size_t kLimite = 1 << 20;
   if (numeros_.size() < kLimite) return;
   numeros_.clear();
+  ++geracaoNumeros_;
   for (auto& formas : slots_) {
     if (!formas) continue;
     for (long i = 0; i < kSlots; ++i) {

@@ -107,6 +107,19 @@ class CacheTags {
   const PedacosTexto& DoSlotNumerado(long slot, int16_t campo, const TagsAcervo& tags);
   // One past the highest number given so far.
   size_t LimiteNumeros() const { return numeros_.size() + 1; }
+
+  // DoSlotNumerado's numbers of every slot of one field, laid out flat for loops over the
+  // collection: the whole text's number (0 for an empty text) and the pieces' numbers, negative
+  // for a piece before the last that reads "POP". Valid until the next call of a Do* method
+  // that renumbers; rebuilt when the table or the numbering changed.
+  struct NumerosCampo {
+    std::vector<int32_t> inteiro;   // per slot
+    std::vector<uint32_t> inicio;   // per slot and one past the last: its pieces in `pedacos`
+    std::vector<int32_t> pedacos;
+    uint64_t versaoTags = 0;
+    uint64_t geracao = 0;
+  };
+  const NumerosCampo& Numerados(int16_t campo, const TagsAcervo& tags);
   // Keeps a long-running engine whose tags keep changing from growing the numbering forever;
   // called where no numbers are held.
   void ReiniciarNumeracaoSeGrande();
@@ -139,6 +152,8 @@ class CacheTags {
   std::array<std::unique_ptr<PedacosTexto[]>, kCampos> slots_;
   std::array<std::unique_ptr<uint64_t[]>, kCampos> versoes_;  // the table's version each entry was checked at
   std::unordered_map<Texto, int32_t, HashTexto, std::equal_to<>> numeros_;
+  uint64_t geracaoNumeros_ = 1;  // changes whenever the numbering is emptied
+  std::array<std::unique_ptr<NumerosCampo>, kCampos> numerados_;
   std::array<MapaTextos, kTiposDivisao> textos_;
   std::array<FiltroPreparado, kFiltros> filtros_;
   size_t ultimoFiltro_ = 0;
