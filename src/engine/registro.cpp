@@ -44,6 +44,14 @@ Texto MontarDescricao(const Estado& e) {
   Texto saida;
   saida.reserve(d.size() + 32);
   for (size_t i = 0; i < d.size();) {
+    // Text up to the next "X" is copied as it is; only an "X" can start a variable.
+    const size_t x = d.find(u'X', i);
+    if (x == Texto::npos) {
+      saida.append(d, i, Texto::npos);
+      break;
+    }
+    saida.append(d, i, x - i);
+    i = x;
     if (d.compare(i, 3, u"X10") == 0) {
       const Texto& v = r.Valor(10);
       saida += v.empty() ? Texto(u"X10") : v;
