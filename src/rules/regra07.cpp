@@ -5,6 +5,7 @@
 #include "rules/regras.h"
 #include "rules/sorteio.h"
 #include "rules/tags.h"
+#include "state/pedacos.h"
 
 namespace lumavox {
 
@@ -41,9 +42,13 @@ void Regra07(Estado& e) {
   const double chance = ValorNumerico(r.Valor(variavel));
   const bool manter = SortearPercentual(e) <= chance;
 
+  // The value is prepared once, and each candidate's tag is its field's prepared form.
+  PedacosTexto preparado;
+  preparado.Preparar(valor, TipoDoCampo(campo));
   Selecao& sel = e.selecao;
   for (long i = 0; i <= UltimoSlotDosLacos(e); ++i)
-    if (sel.MusicaCandidata[i] && Comparar(a.AcervoTags(i, campo), valor) != manter) sel.MusicaMantida[i] = false;
+    if (sel.MusicaCandidata[i] && CompararSlotComPreparado(e, i, campo, preparado, geral) != manter)
+      sel.MusicaMantida[i] = false;
 }
 
 }  // namespace lumavox

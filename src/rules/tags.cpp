@@ -119,6 +119,11 @@ bool CompararArtistasSemExcecao(Estado& e, std::u16string_view a, std::u16string
   return CompararPreparados(*pa, *pb, e.selecao.ModoComparacaoArtista, false);
 }
 
+bool CompararSlotComPreparado(Estado& e, long slot, int16_t campo, const PedacosTexto& valor, bool excecaoPop) {
+  const PedacosTexto& p = e.cacheTags.DoSlot(slot, campo, e.acervo().AcervoTags);
+  return CompararPreparados(p, valor, e.selecao.ModoComparacaoArtista, excecaoPop);
+}
+
 bool CompararArtistasSlots(Estado& e, long slotA, long slotB, int16_t campo) {
   const PedacosTexto& pa = e.cacheTags.DoSlot(slotA, campo, e.acervo().AcervoTags);
   const PedacosTexto& pb = e.cacheTags.DoSlot(slotB, campo, e.acervo().AcervoTags);

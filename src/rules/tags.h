@@ -47,6 +47,9 @@ bool CompararArtistasSemExcecao(Estado& e, std::u16string_view a, std::u16string
 // CompararArtistas of AcervoTags(slotA, campo) and AcervoTags(slotB, campo), for loops over the
 // collection. Slots outside 0..4000 and fields outside 0..32 raise ForaDoIntervalo.
 bool CompararArtistasSlots(Estado& e, long slotA, long slotB, int16_t campo);
+// CompararArtistas (or, without `excecaoPop`, CompararArtistasSemExcecao) of the tag of (slot,
+// campo) with a text the caller prepared once for that field: for loops over the collection.
+bool CompararSlotComPreparado(Estado& e, long slot, int16_t campo, const PedacosTexto& valor, bool excecaoPop);
 // Whether two songs share a value of the field: False for slots from 4000 on, for field 99 and
 // for two empty values; otherwise CompararArtistasSlots.
 bool MesmoValorTag(Estado& e, int16_t campo, long slotA, long slotB);
