@@ -31,10 +31,19 @@ void Estado::SubstituirHistorico(const std::function<void(Historico&)>& preenche
 
 void Estado::AdicionarTocada(int32_t codigo, DataHora momento) {
   Historico& h = historico_;
-  h.HistoricoCodigos[h.TotalTocadas] = codigo;  // raises first when there is no room
-  h.HistoricoDatas[h.TotalTocadas] = momento;
+  const long posicao = h.TotalTocadas;
+  h.HistoricoCodigos[posicao] = codigo;  // raises first when there is no room
+  h.HistoricoDatas[posicao] = momento;
   ++h.TotalTocadas;
+  const bool indiceEmDia = historicoIndexado_ == versaoHistorico_ && codigosDoHistorico_ == versaoCodigos_;
   ++versaoHistorico_;
+  // A play on top of an index that is up to date only lengthens its chains; anything else
+  // (an empty entry, which cuts the slot chains) leaves it to be built again.
+  if (indiceEmDia && codigo > 0) {
+    historicoIndexado_ = ~0ull;  // stale should the update raise
+    indiceHistorico_.Acrescentar(*this, posicao);
+    historicoIndexado_ = versaoHistorico_;
+  }
 }
 
 void Estado::ChecarMusicasTocadas() {

@@ -42,4 +42,18 @@ void IndiceHistorico::Construir(const Estado& e) {
   }
 }
 
+void IndiceHistorico::Acrescentar(const Estado& e, long p) {
+  // The newest entry is a play, so the newest empty entry, where slot chains stop, stays where
+  // it was.
+  const auto posicao = static_cast<int16_t>(p);
+  auto [primeira, nova] = primeiraDoCodigo_.Inserir(e.historico().HistoricoCodigos[p], posicao);
+  if (!nova) {
+    seguinteDoCodigo_[Deslocada(p)] = *primeira;
+    *primeira = posicao;
+  }
+  int16_t& primeiraSlot = primeiraDoSlot_[static_cast<std::size_t>(LocalizarMusicaTocada(e, p))];
+  seguinteDoSlot_[Deslocada(p)] = primeiraSlot;
+  primeiraSlot = posicao;
+}
+
 }  // namespace lumavox

@@ -34,6 +34,9 @@ class IndiceHistorico {
   friend class Estado;
   static std::size_t Deslocada(long posicao) { return static_cast<std::size_t>(posicao - kPosicaoMaisAntiga); }
   void Construir(const Estado& e);
+  // What Construir would give after a play (code above 0) was added at `posicao`, above the
+  // newest entry this index was built with.
+  void Acrescentar(const Estado& e, long posicao);
 
   MapaInteiros primeiraDoCodigo_;
   std::vector<int16_t> seguinteDoCodigo_;

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <random>
 #include <stdexcept>
 
 #include "apoio/estacao.h"
@@ -55,6 +56,30 @@ TEST(Estado, LocalizarMusicaSegueCadaCargaDoAcervo) {
                std::runtime_error);
   EXPECT_EQ(e->LocalizarMusica(40), 0);
   EXPECT_EQ(e->LocalizarMusica(30), kSlotAusente);
+}
+
+// Plays added to an index in use lengthen its chains as building it anew would, empty entries
+// and codes outside the collection included.
+TEST(Estado, IndiceAcrescidoIgualAoConstruido) {
+  auto e = std::make_unique<Estado>();
+  Codigos(*e, {10, 20, 30});
+  auto Cadeias = [&] {
+    std::vector<std::vector<long>> c;
+    for (int32_t codigo : {10, 20, 30, 40}) c.push_back(TocadasDoCodigo(*e, codigo));
+    for (long slot : {0, 1, 2, 4000}) c.push_back(TocadasDoSlot(*e, slot));
+    return c;
+  };
+  std::mt19937 g(3);
+  const int32_t codigos[] = {10, 20, 30, 40, 10, 0, -1};
+  for (int i = 0; i < 200; ++i) {
+    std::vector<std::vector<long>> acrescido;
+    for (unsigned k = 0; k <= g() % 3; ++k) {
+      e->AdicionarTocada(codigos[g() % 7], DataHora{});
+      acrescido = Cadeias();  // read, so the next play finds the index up to date
+    }
+    e->SubstituirHistorico([](Historico&) {});  // the same plays, indexed anew
+    ASSERT_EQ(acrescido, Cadeias()) << i;
+  }
 }
 
 TEST(Estado, IndiceDoHistoricoSegueTocadasSubstituicaoECodigos) {
