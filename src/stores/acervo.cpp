@@ -29,7 +29,21 @@ double CalcularVibe(const Acervo& acervo, long slot) {
          2;
 }
 
-std::string NomeArquivoMusica(int32_t codigo) { return FormatarZeros(codigo, 7) + ".mre"; }
+void AcrescentarNomeArquivoMusica(std::string& destino, int32_t codigo) {
+  // FormatarZeros(codigo, 7) + ".mre", written into the destination: a load names thousands.
+  char digitos[16];
+  const auto fim = std::to_chars(digitos, digitos + sizeof digitos, std::abs(static_cast<long long>(codigo))).ptr;
+  const auto n = static_cast<size_t>(fim - digitos);
+  if (codigo < 0) destino += '-';
+  if (n < 7) destino.append(7 - n, '0');
+  destino.append(digitos, n).append(".mre");
+}
+
+std::string NomeArquivoMusica(int32_t codigo) {
+  std::string nome;
+  AcrescentarNomeArquivoMusica(nome, codigo);
+  return nome;
+}
 
 void TagsAcervo::Definir(long slot, long campo, std::u16string_view texto) {
   Celula& c = celulas_(slot, campo);
@@ -147,17 +161,9 @@ void RegravarColecao(Acervo& acervo, GravacaoAcervo g) {
     const int32_t codigo = g.codigos[static_cast<size_t>(s)];
     acervo.AcervoCodigos[s] = codigo;
     acervo.AcervoVibe[s] = g.vibes[static_cast<size_t>(s)];
-    // NomeArquivoMusica written in place: thousands of paths, one allocation each.
-    char digitos[16];
-    const auto fim = std::to_chars(digitos, digitos + sizeof digitos, std::abs(static_cast<long long>(codigo))).ptr;
-    const auto n = static_cast<size_t>(fim - digitos);
     std::string& arquivo = acervo.AcervoArquivos[s];
-    arquivo.clear();
-    arquivo.reserve(prefixo.size() + 1 + std::max<size_t>(n, 7) + 4);
-    arquivo.append(prefixo);
-    if (codigo < 0) arquivo += '-';
-    if (n < 7) arquivo.append(7 - n, '0');
-    arquivo.append(digitos, n).append(".mre");
+    arquivo.assign(prefixo);
+    AcrescentarNomeArquivoMusica(arquivo, codigo);
   }
   if (g.codigoNaSobra) acervo.AcervoCodigos[g.total] = g.codigos[static_cast<size_t>(g.total)];
   if (g.camposNaSobra == kCampos) {

@@ -86,6 +86,8 @@ double CalcularVibe(const Acervo& acervo, long slot);
 
 // Name of a song's media file: the code with at least seven digits and ".mre".
 std::string NomeArquivoMusica(int32_t codigo);
+// The same name appended to `destino`.
+void AcrescentarNomeArquivoMusica(std::string& destino, int32_t codigo);
 
 // What one load of a collection wrote, and only that: every value of the kept songs' slots, and
 // of the slot after them whatever a dropped song or an unfinished last record left there. The

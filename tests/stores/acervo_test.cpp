@@ -2,11 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <memory>
 #include <random>
 #include <vector>
 
 #include "apoio/estacao.h"
+#include "base/numeros.h"
 #include "stores/gravacoes.h"
 
 namespace lumavox {
@@ -157,6 +159,11 @@ TEST_F(CarregarAcervo, CargaGravadaRegravadaIgualALerDeNovo) {
       }
     }
   }
+}
+
+TEST(NomeArquivoMusica, SeteDigitosNoMinimoComSinal) {
+  for (int32_t c : {0, 1, 42, 1234567, 12345678, -5, -1234567, INT32_MAX, INT32_MIN})
+    EXPECT_EQ(NomeArquivoMusica(c), FormatarZeros(c, 7) + ".mre") << c;
 }
 
 // The table against plain strings under many rewrites: longer, shorter, empty, copied from
