@@ -80,7 +80,7 @@ void Importar(Contexto& ctx, const OpcoesRegras& op) {
   // Every set was read before the first file is replaced, so a bad text changes nothing.
   for (const ConjuntoLido& c : conjuntos) {
     try {
-      GravarArquivoRegras(pasta, c);
+      GravarArquivoRegras(ArquivosReais(), pasta, c);
     } catch (const std::exception& e) {
       return Falhar(ctx, e.what());
     }

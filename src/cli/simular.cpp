@@ -4,16 +4,12 @@
 // only when asked (--avancar) and logs its plays into the copy's log database; the level comes
 // from --nivel, a daily curve (--curva) or the station's ritmo.rer. With --regras the same
 // period runs a second time on a fresh copy whose rules come from a TOML text, for comparison.
-#include <unistd.h>
-
 #include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <future>
-#include <map>
 #include <memory>
 #include <random>
 #include <unordered_map>
@@ -22,6 +18,7 @@
 #include "base/arquivos.h"
 #include "base/numeros.h"
 #include "base/sistema_arquivos.h"
+#include "cli/copia_estacao.h"
 #include "cli/curva_nivel.h"
 #include "cli/progresso.h"
 #include "cli/regras_texto.h"
@@ -50,125 +47,6 @@ struct OpcoesSimular {
   uint32_t semente = 1;
   int avancar = 0;
   bool json = false;
-};
-
-// A scratch copy of the station: the text files the engine reads (collection, rules, playlist
-// and schedule tables, log database), in their folders, and an empty media folder that
-// ArquivosDaCopia fills with the station's songs. It goes away with the object.
-class CopiaDaEstacao {
- public:
-  explicit CopiaDaEstacao(const fs::path& estacao) {
-    std::string modelo = (PastaTemporaria() / "lumavox-simular-XXXXXX").string();
-    if (!mkdtemp(modelo.data())) throw std::runtime_error("não foi possível criar a pasta temporária");
-    pasta_ = modelo;
-    Copiar(estacao, pasta_, true);
-    fs::create_directories(pasta_ / "mre");
-  }
-  ~CopiaDaEstacao() {
-    std::error_code ec;
-    fs::remove_all(pasta_, ec);
-  }
-  CopiaDaEstacao(const CopiaDaEstacao&) = delete;
-  CopiaDaEstacao& operator=(const CopiaDaEstacao&) = delete;
-  const fs::path& Pasta() const { return pasta_; }
-  // The station's version of each collection file copied whole: the copy holds that content,
-  // so a record of the station's load serves the copy's.
-  const std::map<fs::path, VersaoArquivo>& VersoesDasColecoes() const { return versoes_; }
-
- private:
-  // $TMPDIR when set, else memory-backed /dev/shm where there is one: the run creates and
-  // deletes two files per song and stats every media file at each reload, which a disk-backed
-  // folder makes several times slower.
-  static fs::path PastaTemporaria() {
-    const char* tmpdir = std::getenv("TMPDIR");
-    std::error_code ec;
-    if ((!tmpdir || !*tmpdir) && fs::is_directory("/dev/shm", ec) && access("/dev/shm", W_OK) == 0) return "/dev/shm";
-    return fs::temp_directory_path();
-  }
-
-  static bool Copiavel(const fs::path& arquivo) {
-    const std::string nome = arquivo.filename().string();
-    // The player's exchange files and the debug trace belong to the live station.
-    if (nome == "ritmo.rer" || nome == "avancar.rer" || nome == "debuglog.rer" || nome == "nreg.rer") return false;
-    const std::string ext = arquivo.extension().string();
-    return ext == ".rdb" || ext == ".rer" || ext == ".mdb" || nome.rfind("lumavox.db", 0) == 0;
-  }
-
-  void Copiar(const fs::path& de, const fs::path& para, bool raiz) {
-    std::error_code ec;
-    for (fs::directory_iterator it(de, ec), fim; !ec && it != fim; it.increment(ec)) {
-      const fs::path& p = it->path();
-      const std::string nome = p.filename().string();
-      if (it->is_directory(ec)) {
-        // A linked folder could lead back into the station; playlists are real subfolders.
-        if (it->is_symlink(ec) || (raiz && (nome == "mre" || nome == "temp" || nome == "list"))) continue;
-        fs::create_directories(para / nome);
-        Copiar(p, para / nome, false);
-      } else if (it->is_regular_file(ec) && Copiavel(p)) {
-        const auto antes = nome == "lxdb.rdb" ? real_.Versao(p) : std::nullopt;
-        fs::copy_file(p, para / nome, fs::copy_options::overwrite_existing);
-        fs::last_write_time(para / nome, fs::last_write_time(p, ec), ec);
-        if (antes && real_.Versao(p) == antes) versoes_[para / nome] = *antes;
-      }
-    }
-  }
-
-  SistemaArquivosReal real_;
-  fs::path pasta_;
-  std::map<fs::path, VersaoArquivo> versoes_;
-};
-
-// The engine's file system during a run: in the copy's media folder stands an empty file for
-// each song the station has media for, as one listing at the start found them, so the load
-// keeps the same songs without copying gigabytes of audio or making thousands of files.
-// Everything else is the machine's own.
-class ArquivosDaCopia final : public SistemaArquivos {
- public:
-  ArquivosDaCopia(fs::path mreCopia, const fs::path& mreEstacao, std::map<fs::path, VersaoArquivo> versoes)
-      : mre_(std::move(mreCopia)), versoes_(std::move(versoes)) {
-    for (std::string& nome : real_.ListarNomes(mreEstacao, ".mre")) nomes_.insert(std::move(nome));
-    // Taken with the listing: the copy's songs stay what they were, so the engine need not
-    // look at them again at every reload.
-    versao_ = real_.Versao(mreEstacao);
-  }
-
-  std::string LerBytes(const fs::path& c) override { return DaCopia(c) ? std::string() : real_.LerBytes(c); }
-  void EscreverBytes(const fs::path& c, std::string_view bytes) override { real_.EscreverBytes(c, bytes); }
-  void Sincronizar(const fs::path& c) override { real_.Sincronizar(c); }
-  void Renomear(const fs::path& de, const fs::path& para) override { real_.Renomear(de, para); }
-  bool Apagar(const fs::path& c) noexcept override { return real_.Apagar(c); }
-  bool ArquivoExiste(const fs::path& c) noexcept override { return DaCopia(c) || real_.ArquivoExiste(c); }
-  std::vector<fs::path> Listar(const fs::path& pasta, std::string_view terminacao) override {
-    if (pasta != mre_) return real_.Listar(pasta, terminacao);
-    std::vector<fs::path> arquivos;
-    for (const std::string& nome : ListarNomes(pasta, terminacao)) arquivos.push_back(mre_ / nome);
-    return arquivos;
-  }
-  std::vector<std::string> ListarNomes(const fs::path& pasta, std::string_view terminacao) override {
-    if (pasta != mre_) return real_.ListarNomes(pasta, terminacao);
-    std::vector<std::string> nomes;
-    for (const std::string& nome : nomes_)
-      if (nome.ends_with(terminacao)) nomes.push_back(nome);
-    return nomes;
-  }
-  bool CriarPastas(const fs::path& pasta) noexcept override { return real_.CriarPastas(pasta); }
-  std::optional<MarcaArquivo> Marca(const fs::path& c) noexcept override { return real_.Marca(c); }
-  std::optional<VersaoArquivo> Versao(const fs::path& c) noexcept override {
-    if (c == mre_) return versao_;
-    if (auto it = versoes_.find(c); it != versoes_.end()) return it->second;
-    return real_.Versao(c);
-  }
-
- private:
-  bool DaCopia(const fs::path& c) const {
-    return c.parent_path() == mre_ && nomes_.contains(c.filename().string());
-  }
-
-  SistemaArquivosReal real_;
-  fs::path mre_;
-  std::unordered_set<std::string> nomes_;
-  std::optional<VersaoArquivo> versao_;
-  std::map<fs::path, VersaoArquivo> versoes_;
 };
 
 std::atomic<bool> g_interromper{false};
@@ -310,7 +188,7 @@ std::optional<Rodada> RodarSimulacao(Contexto& ctx, const fs::path& estacao, con
   try {
     copia = std::make_unique<CopiaDaEstacao>(estacao);
     if (regras)
-      for (const ConjuntoLido& c : *regras) GravarArquivoRegras(copia->Pasta(), c);
+      for (const ConjuntoLido& c : *regras) GravarArquivoRegras(*copia, copia->Pasta(), c);
   } catch (const std::exception& e) {
     return Falhar(std::string("cópia da estação: ") + e.what(), 1);
   }
@@ -324,9 +202,8 @@ std::optional<Rodada> RodarSimulacao(Contexto& ctx, const fs::path& estacao, con
     });
 
   AmbienteSimulado ambiente(p.inicio, p.semente);
-  ArquivosDaCopia arquivosDaCopia(pasta / "mre", estacao / "mre", copia->VersoesDasColecoes());
-  ambiente.UsarArquivos(arquivosDaCopia);
-  TocadorSimulado tocador(pasta, true);
+  ambiente.UsarArquivos(*copia);
+  TocadorSimulado tocador(pasta, *copia, true);
   int nivel = NivelEm(p.inicio);
   tocador.DefinirNivel(nivel);
   sim.niveis.emplace_back(p.inicio, nivel);

@@ -14,8 +14,8 @@ namespace lumavox::cli {
 
 float AmbienteSimulado::Aleatorio() { return SortearFloat(gerador_); }
 
-TocadorSimulado::TocadorSimulado(fs::path pasta, bool copiaDescartavel)
-    : pasta_(std::move(pasta)), descartavel_(copiaDescartavel) {
+TocadorSimulado::TocadorSimulado(fs::path pasta, SistemaArquivos& arquivos, bool copiaDescartavel)
+    : pasta_(std::move(pasta)), arquivos_(arquivos), descartavel_(copiaDescartavel) {
   std::error_code ec;
   registrar_ = !fs::exists(pasta_ / "lumavox.mdb", ec);
 }
@@ -23,14 +23,14 @@ TocadorSimulado::TocadorSimulado(fs::path pasta, bool copiaDescartavel)
 TocadorSimulado::~TocadorSimulado() = default;
 
 std::optional<Tocada> TocadorSimulado::TocarProxima(DataHora momento, std::string* aviso) {
-  const auto fila = ListarArquivos(ArquivosReais(), pasta_ / "list", ".lre");
+  const auto fila = ListarArquivos(arquivos_, pasta_ / "list", ".lre");
   if (fila.empty()) return std::nullopt;
   Tocada t;
   t.nomeFila = fila.front().filename().string();
   t.codigo = static_cast<int32_t>(ValorNumerico(DeUtf8(t.nomeFila.substr(7, t.nomeFila.find('_', 7) - 7))));
   // The player takes the entry: it leaves the queue and its media with it.
-  ApagarArquivo(ArquivosReais(), fila.front());
-  ApagarArquivo(ArquivosReais(), pasta_ / "temp" / (t.nomeFila.substr(0, 6) + ".mrt"));
+  ApagarArquivo(arquivos_, fila.front());
+  ApagarArquivo(arquivos_, pasta_ / "temp" / (t.nomeFila.substr(0, 6) + ".mrt"));
   if (registrar_) {
     try {
       if (!banco_) {
@@ -47,9 +47,9 @@ std::optional<Tocada> TocadorSimulado::TocarProxima(DataHora momento, std::strin
   return t;
 }
 
-void TocadorSimulado::Avancar() { EscreverBytes(pasta_ / "avancar.rer", "1\n"); }
+void TocadorSimulado::Avancar() { arquivos_.EscreverBytes(pasta_ / "avancar.rer", "1\n"); }
 
-void TocadorSimulado::DefinirNivel(int nivel) { EscreverBytes(pasta_ / "ritmo.rer", std::to_string(nivel) + "\n"); }
+void TocadorSimulado::DefinirNivel(int nivel) { arquivos_.EscreverBytes(pasta_ / "ritmo.rer", std::to_string(nivel) + "\n"); }
 
 int64_t DuracaoDaMusica(Estado& e, int32_t codigo) {
   const int16_t slot = LocalizarMusica(e, codigo);

@@ -12,6 +12,7 @@
 
 #include "base/ambiente.h"
 #include "base/datas.h"
+#include "base/sistema_arquivos.h"
 
 namespace lumavox {
 class BancoLogs;
@@ -54,8 +55,10 @@ class TocadorSimulado {
  public:
   // Plays are logged into the SQLite log database of `pasta` when it is the station's log (no
   // lumavox.mdb there, which the engine would read instead and this cannot write).
-  // `copiaDescartavel`: the folder is a scratch copy, so the log may skip its disk syncs.
-  explicit TocadorSimulado(fs::path pasta, bool copiaDescartavel = false);
+  // The queue and the exchange files are reached through `arquivos`. `copiaDescartavel`: the
+  // folder is a scratch copy, so the log may skip its disk syncs.
+  explicit TocadorSimulado(fs::path pasta, SistemaArquivos& arquivos = ArquivosReais(),
+                           bool copiaDescartavel = false);
   ~TocadorSimulado();
 
   // Takes the first entry of list/, deletes it and its temp/ media and logs the play at
@@ -70,6 +73,7 @@ class TocadorSimulado {
 
  private:
   fs::path pasta_;
+  SistemaArquivos& arquivos_;
   std::unique_ptr<BancoLogs> banco_;
   bool descartavel_ = false;
   bool registrar_ = true;

@@ -1,7 +1,5 @@
 #include "stores/arquivo_regras.h"
 
-#include <system_error>
-
 #include "base/arquivos.h"
 #include "base/erro.h"
 #include "stores/codec.h"
@@ -125,14 +123,14 @@ std::string BytesDoConjunto(const ConjuntoLido& c) {
   return bytes;
 }
 
-void GravarArquivoRegras(const fs::path& pasta, const ConjuntoLido& c) {
+void GravarArquivoRegras(SistemaArquivos& arquivos, const fs::path& pasta, const ConjuntoLido& c) {
   const fs::path destino = pasta / ("lxie" + std::to_string(c.conjunto) + ".rdb");
   const fs::path temporario = pasta / ("lxie" + std::to_string(c.conjunto) + ".rdb.novo");
-  EscreverBytes(temporario, BytesDoConjunto(c));
-  std::error_code ec;
-  fs::rename(temporario, destino, ec);
-  if (ec) {
-    fs::remove(temporario, ec);
+  arquivos.EscreverBytes(temporario, BytesDoConjunto(c));
+  try {
+    arquivos.Renomear(temporario, destino);
+  } catch (const ErroExecucao&) {
+    arquivos.Apagar(temporario);
     throw ErroExecucao(CodigoErro::PermissaoNegada, "não foi possível gravar " + destino.string());
   }
 }

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "base/sistema_arquivos.h"
 #include "base/texto.h"
 #include "stores/catalogo.h"
 
@@ -48,6 +49,6 @@ ConjuntoLido LerArquivoRegras(const fs::path& arquivo, int conjunto);
 std::string BytesDoConjunto(const ConjuntoLido& c);
 // Writes lxie<conjunto>.rdb in `pasta` through a temporary file, so a failed write leaves the
 // old file whole.
-void GravarArquivoRegras(const fs::path& pasta, const ConjuntoLido& c);
+void GravarArquivoRegras(SistemaArquivos& arquivos, const fs::path& pasta, const ConjuntoLido& c);
 
 }  // namespace lumavox

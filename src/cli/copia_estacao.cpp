@@ -1,0 +1,134 @@
+#include "cli/copia_estacao.h"
+
+#include <unistd.h>
+
+#include <cstdlib>
+#include <stdexcept>
+
+namespace lumavox::cli {
+
+namespace {
+
+// $TMPDIR when set, else memory-backed /dev/shm where there is one: the player logs every play
+// into the copy's database, which a disk-backed folder makes slower.
+fs::path PastaTemporaria() {
+  const char* tmpdir = std::getenv("TMPDIR");
+  std::error_code ec;
+  if ((!tmpdir || !*tmpdir) && fs::is_directory("/dev/shm", ec) && access("/dev/shm", W_OK) == 0) return "/dev/shm";
+  return fs::temp_directory_path();
+}
+
+// The log databases, which their libraries open by name.
+bool Banco(const std::string& nome) {
+  return nome.rfind("lumavox.db", 0) == 0 || fs::path(nome).extension() == ".mdb";
+}
+
+bool Copiavel(const std::string& nome) {
+  // The player's exchange files and the debug trace belong to the live station.
+  if (nome == "ritmo.rer" || nome == "avancar.rer" || nome == "debuglog.rer" || nome == "nreg.rer") return false;
+  const std::string ext = fs::path(nome).extension().string();
+  return ext == ".rdb" || ext == ".rer" || Banco(nome);
+}
+
+}  // namespace
+
+CopiaDaEstacao::CopiaDaEstacao(const fs::path& estacao) {
+  std::string modelo = (PastaTemporaria() / "lumavox-simular-XXXXXX").string();
+  if (!mkdtemp(modelo.data())) throw std::runtime_error("não foi possível criar a pasta temporária");
+  pasta_ = modelo;
+  prefixo_ = pasta_.native() + '/';
+  mre_ = pasta_ / "mre";
+  try {
+    memoria_.CriarPastas(mre_);
+    Copiar(estacao, pasta_, true);
+    const fs::path mreEstacao = estacao / "mre";
+    for (std::string& nome : real_.ListarNomes(mreEstacao, ".mre")) midias_.insert(std::move(nome));
+    // Taken with the listing: the copy's songs stay what they were, so the engine need not
+    // look at them again at every reload.
+    versaoMre_ = real_.Versao(mreEstacao);
+  } catch (...) {
+    std::error_code ec;
+    fs::remove_all(pasta_, ec);
+    throw;
+  }
+}
+
+CopiaDaEstacao::~CopiaDaEstacao() {
+  std::error_code ec;
+  fs::remove_all(pasta_, ec);
+}
+
+void CopiaDaEstacao::Copiar(const fs::path& de, const fs::path& para, bool raiz) {
+  std::error_code ec;
+  for (fs::directory_iterator it(de, ec), fim; !ec && it != fim; it.increment(ec)) {
+    const fs::path& p = it->path();
+    const std::string nome = p.filename().string();
+    if (it->is_directory(ec)) {
+      // A linked folder could lead back into the station; playlists are real subfolders.
+      if (it->is_symlink(ec) || (raiz && (nome == "mre" || nome == "temp" || nome == "list"))) continue;
+      memoria_.CriarPastas(para / nome);
+      Copiar(p, para / nome, false);
+    } else if (it->is_regular_file(ec) && Copiavel(nome)) {
+      if (Banco(nome)) {
+        fs::create_directories(para);
+        fs::copy_file(p, para / nome, fs::copy_options::overwrite_existing);
+        continue;
+      }
+      const auto antes = nome == "lxdb.rdb" ? real_.Versao(p) : std::nullopt;
+      memoria_.Guardar(para / nome, real_.LerBytes(p));
+      if (antes && real_.Versao(p) == antes) versoes_[para / nome] = *antes;
+    }
+  }
+}
+
+SistemaArquivos& CopiaDaEstacao::Onde(const fs::path& caminho) noexcept {
+  const std::string& s = caminho.native();
+  if (!s.starts_with(prefixo_) && s != pasta_.native()) return real_;
+  // A path that climbs out of the copy is wherever it ends.
+  if (s.find("/..") != std::string::npos) {
+    const fs::path normal = caminho.lexically_normal();
+    if (normal != pasta_ && !normal.native().starts_with(prefixo_)) return real_;
+  }
+  return Banco(caminho.filename().string()) ? static_cast<SistemaArquivos&>(real_) : memoria_;
+}
+
+bool CopiaDaEstacao::Midia(const fs::path& caminho) const {
+  return caminho.parent_path() == mre_ && midias_.contains(caminho.filename().string());
+}
+
+std::string CopiaDaEstacao::LerBytes(const fs::path& c) { return Midia(c) ? std::string() : Onde(c).LerBytes(c); }
+void CopiaDaEstacao::EscreverBytes(const fs::path& c, std::string_view b) { Onde(c).EscreverBytes(c, b); }
+void CopiaDaEstacao::Sincronizar(const fs::path& c) { Onde(c).Sincronizar(c); }
+void CopiaDaEstacao::Renomear(const fs::path& de, const fs::path& para) {
+  SistemaArquivos& origem = Onde(de);
+  // Between memory and disk there is no rename, as between two disks.
+  if (&origem != &Onde(para)) throw ErroDeArquivo(EXDEV, "Erro ao renomear", de);
+  origem.Renomear(de, para);
+}
+bool CopiaDaEstacao::Apagar(const fs::path& c) noexcept { return Onde(c).Apagar(c); }
+bool CopiaDaEstacao::ArquivoExiste(const fs::path& c) noexcept { return Midia(c) || Onde(c).ArquivoExiste(c); }
+bool CopiaDaEstacao::CriarPastas(const fs::path& pasta) noexcept { return Onde(pasta).CriarPastas(pasta); }
+std::optional<MarcaArquivo> CopiaDaEstacao::Marca(const fs::path& c) noexcept { return Onde(c).Marca(c); }
+
+std::vector<fs::path> CopiaDaEstacao::Listar(const fs::path& pasta, std::string_view terminacao) {
+  if (pasta != mre_) return Onde(pasta).Listar(pasta, terminacao);
+  std::vector<fs::path> arquivos;
+  for (const std::string& nome : ListarNomes(pasta, terminacao)) arquivos.push_back(mre_ / nome);
+  return arquivos;
+}
+
+std::vector<std::string> CopiaDaEstacao::ListarNomes(const fs::path& pasta, std::string_view terminacao) {
+  if (pasta != mre_) return Onde(pasta).ListarNomes(pasta, terminacao);
+  std::vector<std::string> nomes;
+  for (const std::string& nome : midias_)
+    if (nome.ends_with(terminacao)) nomes.push_back(nome);
+  return nomes;
+}
+
+std::optional<VersaoArquivo> CopiaDaEstacao::Versao(const fs::path& c) noexcept {
+  if (c == mre_) return versaoMre_;
+  if (auto it = versoes_.find(c); it != versoes_.end()) return it->second;
+  return Onde(c).Versao(c);
+}
+
+}  // namespace lumavox::cli
