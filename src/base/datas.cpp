@@ -107,17 +107,19 @@ namespace {
 
 // "YYYY-MM-DD HH:MM:SS" (or with "T"), the form the log writer stores, read without splitting;
 // nullopt when the text has another shape, and the general reading decides.
-std::optional<std::optional<DataHora>> DataHoraIso(std::u16string_view t) {
-  if (t.size() != 19 || t[4] != u'-' || t[7] != u'-' || (t[10] != u' ' && t[10] != u'T') || t[13] != u':' ||
-      t[16] != u':')
+template <typename Char>
+std::optional<std::optional<DataHora>> DataHoraIso(std::basic_string_view<Char> t) {
+  if (t.size() != 19 || t[4] != '-' || t[7] != '-' || (t[10] != ' ' && t[10] != 'T') || t[13] != ':' ||
+      t[16] != ':')
     return std::nullopt;
   int v[6];
   constexpr size_t kInicio[6] = {0, 5, 8, 11, 14, 17}, kTamanho[6] = {4, 2, 2, 2, 2, 2};
   for (int k = 0; k < 6; ++k) {
-    const std::u16string_view d = t.substr(kInicio[k], kTamanho[k]);
-    for (char16_t c : d)
-      if (c < u'0' || c > u'9') return std::nullopt;
-    v[k] = Inteiro(d);
+    v[k] = 0;
+    for (Char c : t.substr(kInicio[k], kTamanho[k])) {
+      if (c < '0' || c > '9') return std::nullopt;
+      v[k] = v[k] * 10 + (c - '0');
+    }
   }
   if (!DataValida(v[0], v[1], v[2]) || v[3] > 23 || v[4] > 59 || v[5] > 59) return std::optional<DataHora>();
   return std::optional<DataHora>(MontarDataHora(v[0], v[1], v[2], v[3], v[4], v[5]));
@@ -143,6 +145,11 @@ std::optional<DataHora> ConverterDataHora(std::u16string_view t) {
   auto hora = ParteHora(resto);
   if (!data || !hora) return std::nullopt;
   return DataHora{*data + *hora};
+}
+
+std::optional<DataHora> DataHoraIsoDeBytes(std::string_view texto) {
+  auto iso = DataHoraIso(texto);
+  return iso ? *iso : std::nullopt;
 }
 
 DataHora TextoParaDataHora(std::u16string_view texto) {

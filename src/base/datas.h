@@ -31,6 +31,9 @@ std::optional<DataHora> ConverterDataHora(std::u16string_view texto);
 inline bool EhData(std::u16string_view texto) { return ConverterDataHora(texto).has_value(); }
 // Raises TiposIncompativeis when the text is not a date or time.
 DataHora TextoParaDataHora(std::u16string_view texto);
+// The date of a text in the log writer's form "YYYY-MM-DD HH:MM:SS" (or with "T"), read from its
+// bytes as ConverterDataHora reads it; nothing for any other text, valid date or not.
+std::optional<DataHora> DataHoraIsoDeBytes(std::string_view texto);
 
 int64_t SegundosDoDia(DataHora d);            // 0..86399
 inline DataHora SoHora(DataHora d) { return {SegundosDoDia(d)}; }

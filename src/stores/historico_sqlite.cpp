@@ -18,7 +18,7 @@ namespace {
 
 class CursorSqlite : public CursorLogs {
  public:
-  CursorSqlite(sqlite3* db, sqlite3_stmt* st) : db_(db), st_(st) {}
+  CursorSqlite(sqlite3* db, sqlite3_stmt* st, int colunaData) : db_(db), st_(st), colunaData_(colunaData) {}
   ~CursorSqlite() override { sqlite3_finalize(st_); }
   CursorSqlite(const CursorSqlite&) = delete;
   CursorSqlite& operator=(const CursorSqlite&) = delete;
@@ -38,7 +38,12 @@ class CursorSqlite : public CursorLogs {
       case SQLITE_FLOAT: return sqlite3_column_double(st_, c);
       case SQLITE_TEXT: {
         const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(st_, c));
-        return DeUtf8(std::string_view(bytes, static_cast<size_t>(sqlite3_column_bytes(st_, c))));
+        const std::string_view texto(bytes, static_cast<size_t>(sqlite3_column_bytes(st_, c)));
+        // A date as the log writer stores it is read as a date at once: the load would only
+        // widen the text to read the same date from it.
+        if (c == colunaData_)
+          if (auto data = DataHoraIsoDeBytes(texto)) return *data;
+        return DeUtf8(texto);
       }
       default:  // Null, and blobs, which no column of the log holds
         return std::monostate{};
@@ -47,6 +52,7 @@ class CursorSqlite : public CursorLogs {
 
   sqlite3* db_;
   sqlite3_stmt* st_;
+  int colunaData_;
 };
 
 }  // namespace
@@ -95,7 +101,7 @@ void FonteLogsSqlite::Abrir() {
   }
 }
 
-std::unique_ptr<CursorLogs> ConsultarLogsSqlite(sqlite3* db, ConsultaLogs consulta) {
+std::unique_ptr<CursorLogs> ConsultarLogsSqlite(sqlite3* db, ConsultaLogs consulta, bool datasLidas) {
   const char* sql = consulta == ConsultaLogs::Tocadas ? kSqlTocadas
                     : consulta == ConsultaLogs::Tipo4 ? kSqlTipo4
                                                       : kSqlTipo5;
@@ -104,12 +110,13 @@ std::unique_ptr<CursorLogs> ConsultarLogsSqlite(sqlite3* db, ConsultaLogs consul
     sqlite3_finalize(st);
     ErroBanco(db, "querying the log database");
   }
-  return std::make_unique<CursorSqlite>(db, st);
+  const bool comData = consulta != ConsultaLogs::Tipo4;
+  return std::make_unique<CursorSqlite>(db, st, datasLidas && comData ? 2 : -1);
 }
 
 std::unique_ptr<CursorLogs> FonteLogsSqlite::Consultar(ConsultaLogs consulta) {
   if (!db_) throw ErroExecucao(CodigoErro::ChamadaInvalida, "log database not open");
-  return ConsultarLogsSqlite(db_, consulta);
+  return ConsultarLogsSqlite(db_, consulta, true);
 }
 
 }  // namespace lumavox

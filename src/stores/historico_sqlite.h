@@ -26,9 +26,10 @@ inline constexpr const char* kSqlTipo4 =
 inline constexpr const char* kSqlTipo5 =
     "SELECT Tipo, Musica, Data FROM Logs WHERE Tipo = 5 ORDER BY Musica, Data DESC";
 
-// One of the three queries on an open connection, read as FonteLogsSqlite reads it. Raises
-// ErroExecucao when it cannot run.
-std::unique_ptr<CursorLogs> ConsultarLogsSqlite(sqlite3* db, ConsultaLogs consulta);
+// One of the three queries on an open connection. Raises ErroExecucao when it cannot run.
+// `datasLidas`: a Data text in the log writer's form comes as the date it names, as DataDoValor
+// would read it; else every text comes as it is stored. FonteLogsSqlite reads dates.
+std::unique_ptr<CursorLogs> ConsultarLogsSqlite(sqlite3* db, ConsultaLogs consulta, bool datasLidas = false);
 
 class FonteLogsSqlite : public FonteLogs {
  public:

@@ -31,8 +31,13 @@ TEST(ConverterDataHora, FormaDoGravadorLidaComoPelaLeituraGeral) {
   for (const char16_t* t : {u"2028-02-29 23:59:59", u"2026-02-29 10:00:00", u"2026-1a-01 10:00:00",
                             u"2026-13-01 10:00:00", u"2026-00-10 10:00:00", u"2026-01-32 10:00:00",
                             u"2026-01-01 24:00:00", u"2026-01-01 10:60:00", u"0000-01-01T00:00:59",
-                            u"9999-12-31T23:59:59", u"2026-01-01 10:00:60"})
+                            u"9999-12-31T23:59:59", u"2026-01-01 10:00:60"}) {
     EXPECT_EQ(ConverterDataHora(t), ConverterDataHora(u" " + std::u16string(t))) << ParaUtf8(t);
+    EXPECT_EQ(DataHoraIsoDeBytes(ParaUtf8(t)), ConverterDataHora(t)) << ParaUtf8(t);
+  }
+  // Straight from the bytes only the writer's form is read; the general reading takes the rest.
+  EXPECT_FALSE(DataHoraIsoDeBytes(" 2026-11-22 10:00:00"));
+  EXPECT_FALSE(DataHoraIsoDeBytes("22/11/2026 10:00:00"));
   EXPECT_EQ(FormatarIso(*ConverterDataHora(u"2028-02-29 23:59:59")), "2028-02-29 23:59:59");
   EXPECT_FALSE(ConverterDataHora(u"2026-02-29 10:00:00"));
 }

@@ -203,6 +203,29 @@ TEST_F(CargaHistorico, LeituraEGravacaoNaoSeBloqueiam) {
   sqlite3_exec(jogador.Conexao(), "COMMIT", nullptr, nullptr, nullptr);
 }
 
+// Dates the SQLite log holds as texts load as the general reading takes them, in the writer's
+// form or another; a text that is no date leaves the date an earlier load put there.
+TEST_F(CargaHistorico, DatasDeTextoDoBancoSqlite) {
+  BancoLogs jogador(Banco());
+  ASSERT_EQ(sqlite3_exec(jogador.Conexao(),
+                         "INSERT INTO Logs (Musica, Data, Tipo) VALUES (101, '2026-11-22 10:00:00', 0), "
+                         "(102, '22/11/2026 9:30', 0), (103, '2026-02-29 10:00:00', 0), "
+                         "(101, '2026-11-22T08:00:00', 0), (102, '2026-11-21 07:00:00', 5), "
+                         "(102, '2026-13-01 07:00:00', 5);",
+                         nullptr, nullptr, nullptr),
+            SQLITE_OK);
+  Carregar();
+  EXPECT_EQ(H().HistoricoDatas[-1], Dia(22, 8));
+  EXPECT_EQ(H().HistoricoCodigos[-2], 103);
+  EXPECT_EQ(H().HistoricoDatas[-2], kAntiga);
+  EXPECT_EQ(H().HistoricoDatas[-3], Dia(22, 9, 30));
+  EXPECT_EQ(H().HistoricoDatas[-4], Dia(22, 10));
+  // Newest text first: the month-13 row takes the first place and keeps its old date.
+  EXPECT_TRUE(H().HistoricoTipo5(1, 0) && H().HistoricoTipo5(1, 1));
+  EXPECT_EQ(H().HistoricoTipo5Datas(1, 0), kAntiga);
+  EXPECT_EQ(H().HistoricoTipo5Datas(1, 1), Dia(21, 7));
+}
+
 TEST(ValoresDoBanco, DatasOleENumeros) {
   EXPECT_EQ(DataHoraDeOle(44532.5), MontarDataHora(2021, 12, 2, 12, 0, 0));
   // Before day zero the fraction still counts forward from the start of the day.
