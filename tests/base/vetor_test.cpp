@@ -40,8 +40,8 @@ TEST(Vetor, CadaIndiceVerificadoComLimitesNegativosInclusivos) {
   EXPECT_TRUE(ForaDoIntervalo([&] { c(0, 0, 6); }));
 }
 
-// The word-wide helpers against the flag-by-flag loops they replace, on every length around a
-// word's edge and at two offsets of a run.
+// The wide helpers against the flag-by-flag loops they replace, on every length around a
+// block's edge and at two offsets of a run.
 TEST(Vetor, FlagsPorPalavraComoUmaAUma) {
   std::vector<Booleano> a(40), b(40);
   for (size_t i = 0; i < a.size(); ++i) {
