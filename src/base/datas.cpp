@@ -112,14 +112,17 @@ std::optional<std::optional<DataHora>> DataHoraIso(std::basic_string_view<Char> 
   if (t.size() != 19 || t[4] != '-' || t[7] != '-' || (t[10] != ' ' && t[10] != 'T') || t[13] != ':' ||
       t[16] != ':')
     return std::nullopt;
+  // Each field by its fixed places; the loop runs for every date of every history load.
+  constexpr size_t kInicio[6] = {0, 5, 8, 11, 14, 17}, kFim[6] = {4, 7, 10, 13, 16, 19};
   int v[6];
-  constexpr size_t kInicio[6] = {0, 5, 8, 11, 14, 17}, kTamanho[6] = {4, 2, 2, 2, 2, 2};
   for (int k = 0; k < 6; ++k) {
-    v[k] = 0;
-    for (Char c : t.substr(kInicio[k], kTamanho[k])) {
+    int n = 0;
+    for (size_t i = kInicio[k]; i < kFim[k]; ++i) {
+      const Char c = t[i];
       if (c < '0' || c > '9') return std::nullopt;
-      v[k] = v[k] * 10 + (c - '0');
+      n = n * 10 + static_cast<int>(c - '0');
     }
+    v[k] = n;
   }
   if (!DataValida(v[0], v[1], v[2]) || v[3] > 23 || v[4] > 59 || v[5] > 59) return std::optional<DataHora>();
   return std::optional<DataHora>(MontarDataHora(v[0], v[1], v[2], v[3], v[4], v[5]));
