@@ -81,6 +81,8 @@ void CopiaDaEstacao::Copiar(const fs::path& de, const fs::path& para, bool raiz)
   }
 }
 
+// Paths are told apart by their text, as the engine builds them from the copy's folder: the
+// run asks tens of thousands of times, and splitting each path into parts would cost more.
 SistemaArquivos& CopiaDaEstacao::Onde(const fs::path& caminho) noexcept {
   const std::string& s = caminho.native();
   if (!s.starts_with(prefixo_) && s != pasta_.native()) return real_;
@@ -89,11 +91,19 @@ SistemaArquivos& CopiaDaEstacao::Onde(const fs::path& caminho) noexcept {
     const fs::path normal = caminho.lexically_normal();
     if (normal != pasta_ && !normal.native().starts_with(prefixo_)) return real_;
   }
-  return Banco(caminho.filename().string()) ? static_cast<SistemaArquivos&>(real_) : memoria_;
+  const size_t barra = s.rfind('/');
+  return Banco(s.substr(barra + 1)) ? static_cast<SistemaArquivos&>(real_) : memoria_;
+}
+
+bool CopiaDaEstacao::PastaMre(std::string_view pasta) const {
+  return pasta == mre_.native() || (pasta.starts_with(mre_.native()) && fs::path(pasta).lexically_normal() == mre_);
 }
 
 bool CopiaDaEstacao::Midia(const fs::path& caminho) const {
-  return caminho.parent_path() == mre_ && midias_.contains(caminho.filename().string());
+  const std::string& s = caminho.native();
+  const size_t barra = s.rfind('/');
+  if (barra == std::string::npos || !PastaMre(std::string_view(s).substr(0, barra))) return false;
+  return midias_.contains(s.substr(barra + 1));
 }
 
 std::string CopiaDaEstacao::LerBytes(const fs::path& c) { return Midia(c) ? std::string() : Onde(c).LerBytes(c); }
@@ -111,14 +121,14 @@ bool CopiaDaEstacao::CriarPastas(const fs::path& pasta) noexcept { return Onde(p
 std::optional<MarcaArquivo> CopiaDaEstacao::Marca(const fs::path& c) noexcept { return Onde(c).Marca(c); }
 
 std::vector<fs::path> CopiaDaEstacao::Listar(const fs::path& pasta, std::string_view terminacao) {
-  if (pasta != mre_) return Onde(pasta).Listar(pasta, terminacao);
+  if (!PastaMre(pasta.native())) return Onde(pasta).Listar(pasta, terminacao);
   std::vector<fs::path> arquivos;
   for (const std::string& nome : ListarNomes(pasta, terminacao)) arquivos.push_back(mre_ / nome);
   return arquivos;
 }
 
 std::vector<std::string> CopiaDaEstacao::ListarNomes(const fs::path& pasta, std::string_view terminacao) {
-  if (pasta != mre_) return Onde(pasta).ListarNomes(pasta, terminacao);
+  if (!PastaMre(pasta.native())) return Onde(pasta).ListarNomes(pasta, terminacao);
   std::vector<std::string> nomes;
   for (const std::string& nome : midias_)
     if (nome.ends_with(terminacao)) nomes.push_back(nome);
@@ -126,7 +136,7 @@ std::vector<std::string> CopiaDaEstacao::ListarNomes(const fs::path& pasta, std:
 }
 
 std::optional<VersaoArquivo> CopiaDaEstacao::Versao(const fs::path& c) noexcept {
-  if (c == mre_) return versaoMre_;
+  if (PastaMre(c.native())) return versaoMre_;
   if (auto it = versoes_.find(c); it != versoes_.end()) return it->second;
   return Onde(c).Versao(c);
 }

@@ -47,6 +47,7 @@ class CopiaDaEstacao final : public SistemaArquivos {
   void Copiar(const fs::path& de, const fs::path& para, bool raiz);
   // Where a path of the run lives: the copy's files in memory, anything else on the disk.
   SistemaArquivos& Onde(const fs::path& caminho) noexcept;
+  bool PastaMre(std::string_view pasta) const;
   bool Midia(const fs::path& caminho) const;
 
   SistemaArquivosReal real_;
