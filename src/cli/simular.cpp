@@ -208,7 +208,7 @@ std::optional<Rodada> RodarSimulacao(Contexto& ctx, const fs::path& estacao, con
   tocador.DefinirNivel(nivel);
   sim.niveis.emplace_back(p.inicio, nivel);
   auto motor = std::make_unique<Motor>(pasta, ambiente);
-  InstalarHistorico(*motor);
+  InstalarHistorico(*motor, true);
   motor->Iniciar();
   if (motor->UltimoErro()) sim.avisos.push_back("carga: " + *motor->UltimoErro());
   Estado& e = motor->E();

@@ -26,8 +26,8 @@ fs::path ResolverPastaApp(const std::string& opcaoDir) {
   return PastaDoExecutavel();
 }
 
-void InstalarHistorico(Motor& motor) {
-  motor.DefinirOrigemHistorico(std::make_unique<OrigemHistoricoBanco>(motor.CaminhoApp()));
+void InstalarHistorico(Motor& motor, bool copiaDescartavel) {
+  motor.DefinirOrigemHistorico(std::make_unique<OrigemHistoricoBanco>(motor.CaminhoApp(), copiaDescartavel));
   motor.DefinirPastaGravacoes(PastaGravacoesDoUsuario());
 }
 

@@ -16,7 +16,8 @@ class Motor;
 fs::path ResolverPastaApp(const std::string& opcaoDir);
 
 // Installs the station's log database as the engine's history source, and the user's folder
-// of recorded collection loads.
-void InstalarHistorico(Motor& motor);
+// of recorded collection loads. `copiaDescartavel`: the folder is a simulation's scratch copy,
+// whose log database may stay open between loads.
+void InstalarHistorico(Motor& motor, bool copiaDescartavel = false);
 
 }  // namespace lumavox

@@ -15,6 +15,13 @@ std::unique_ptr<FonteLogs> FonteLogsDaPasta(const fs::path& caminhoApp) {
 }
 
 void OrigemHistoricoBanco::CarregarMusicasTocadas(Historico& historico, const Acervo& acervo) {
+  std::error_code erro;
+  if (manterConexao_ && !fs::exists(caminhoApp_ / kArquivoLogsMdb, erro)) {
+    if (!mantida_) mantida_ = std::make_unique<FonteLogsSqlite>(caminhoApp_ / kArquivoLogsSqlite, false, true);
+    lumavox::CarregarMusicasTocadas(historico, acervo, *mantida_);
+    return;
+  }
+  mantida_.reset();
   auto fonte = FonteLogsDaPasta(caminhoApp_);
   lumavox::CarregarMusicasTocadas(historico, acervo, *fonte);
 }

@@ -17,14 +17,19 @@ namespace fs = std::filesystem;
 std::unique_ptr<FonteLogs> FonteLogsDaPasta(const fs::path& caminhoApp);
 
 // Installed with Motor::DefinirOrigemHistorico; each load opens the database anew and
-// releases it at the end.
+// releases it at the end. With `manterConexao` an SQLite log stays open from one load to the
+// next (FonteLogsSqlite's `manterAberta`): for a simulation's scratch copy, reloaded every few
+// songs, that no other program reads.
 class OrigemHistoricoBanco : public OrigemHistorico {
  public:
-  explicit OrigemHistoricoBanco(fs::path caminhoApp) : caminhoApp_(std::move(caminhoApp)) {}
+  explicit OrigemHistoricoBanco(fs::path caminhoApp, bool manterConexao = false)
+      : caminhoApp_(std::move(caminhoApp)), manterConexao_(manterConexao) {}
   void CarregarMusicasTocadas(Historico& historico, const Acervo& acervo) override;
 
  private:
   fs::path caminhoApp_;
+  bool manterConexao_;
+  std::unique_ptr<FonteLogs> mantida_;
 };
 
 }  // namespace lumavox

@@ -1,6 +1,7 @@
 #include "stores/historico_sqlite.h"
 
 #include <sqlite3.h>
+#include <sys/stat.h>
 
 #include <string>
 #include <utility>
@@ -18,8 +19,15 @@ namespace {
 
 class CursorSqlite : public CursorLogs {
  public:
-  CursorSqlite(sqlite3* db, sqlite3_stmt* st, int colunaData) : db_(db), st_(st), colunaData_(colunaData) {}
-  ~CursorSqlite() override { sqlite3_finalize(st_); }
+  // `dono`: the cursor finalizes the statement; else it only resets it for the next load.
+  CursorSqlite(sqlite3* db, sqlite3_stmt* st, int colunaData, bool dono = true)
+      : db_(db), st_(st), colunaData_(colunaData), dono_(dono) {}
+  ~CursorSqlite() override {
+    if (dono_)
+      sqlite3_finalize(st_);
+    else
+      sqlite3_reset(st_);
+  }
   CursorSqlite(const CursorSqlite&) = delete;
   CursorSqlite& operator=(const CursorSqlite&) = delete;
 
@@ -53,18 +61,58 @@ class CursorSqlite : public CursorLogs {
   sqlite3* db_;
   sqlite3_stmt* st_;
   int colunaData_;
+  bool dono_;
 };
+
+const char* SqlDa(ConsultaLogs consulta) {
+  return consulta == ConsultaLogs::Tocadas ? kSqlTocadas : consulta == ConsultaLogs::Tipo4 ? kSqlTipo4 : kSqlTipo5;
+}
+
+// The Data column of the queries that carry one.
+int ColunaData(ConsultaLogs consulta, bool datasLidas) {
+  return datasLidas && consulta != ConsultaLogs::Tipo4 ? 2 : -1;
+}
+
+sqlite3_stmt* Preparar(sqlite3* db, ConsultaLogs consulta) {
+  sqlite3_stmt* st = nullptr;
+  if (sqlite3_prepare_v2(db, SqlDa(consulta), -1, &st, nullptr) != SQLITE_OK) {
+    sqlite3_finalize(st);
+    ErroBanco(db, "querying the log database");
+  }
+  return st;
+}
+
+// Device and inode of the file, or nothing when it cannot be looked at.
+std::optional<std::pair<uint64_t, uint64_t>> Identidade(const fs::path& arquivo) {
+  struct stat st {};
+  if (::stat(arquivo.c_str(), &st) != 0) return std::nullopt;
+  return std::pair<uint64_t, uint64_t>{st.st_dev, st.st_ino};
+}
 
 }  // namespace
 
-FonteLogsSqlite::FonteLogsSqlite(fs::path arquivo, bool imutavel)
-    : arquivo_(std::move(arquivo)), imutavel_(imutavel) {}
+FonteLogsSqlite::FonteLogsSqlite(fs::path arquivo, bool imutavel, bool manterAberta)
+    : arquivo_(std::move(arquivo)), imutavel_(imutavel), manterAberta_(manterAberta) {}
 
-FonteLogsSqlite::~FonteLogsSqlite() { sqlite3_close(db_); }
+FonteLogsSqlite::~FonteLogsSqlite() { Fechar(); }
 
-void FonteLogsSqlite::Abrir() {
+void FonteLogsSqlite::Fechar() {
+  for (sqlite3_stmt*& st : preparadas_) {
+    sqlite3_finalize(st);
+    st = nullptr;
+  }
   sqlite3_close(db_);
   db_ = nullptr;
+}
+
+void FonteLogsSqlite::Abrir() {
+  // The same file still open is read again through the same connection, once its schema still
+  // reads, as opening it would check.
+  if (db_ && manterAberta_ && identidade_ && Identidade(arquivo_) == identidade_ &&
+      sqlite3_exec(db_, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr) == SQLITE_OK)
+    return;
+  Fechar();
+  identidade_ = Identidade(arquivo_);
   const std::string caminho = arquivo_.string();
   std::string nome = caminho;
   // One thread reads through each connection, so SQLite need not lock it at every call.
@@ -102,21 +150,15 @@ void FonteLogsSqlite::Abrir() {
 }
 
 std::unique_ptr<CursorLogs> ConsultarLogsSqlite(sqlite3* db, ConsultaLogs consulta, bool datasLidas) {
-  const char* sql = consulta == ConsultaLogs::Tocadas ? kSqlTocadas
-                    : consulta == ConsultaLogs::Tipo4 ? kSqlTipo4
-                                                      : kSqlTipo5;
-  sqlite3_stmt* st = nullptr;
-  if (sqlite3_prepare_v2(db, sql, -1, &st, nullptr) != SQLITE_OK) {
-    sqlite3_finalize(st);
-    ErroBanco(db, "querying the log database");
-  }
-  const bool comData = consulta != ConsultaLogs::Tipo4;
-  return std::make_unique<CursorSqlite>(db, st, datasLidas && comData ? 2 : -1);
+  return std::make_unique<CursorSqlite>(db, Preparar(db, consulta), ColunaData(consulta, datasLidas));
 }
 
 std::unique_ptr<CursorLogs> FonteLogsSqlite::Consultar(ConsultaLogs consulta) {
   if (!db_) throw ErroExecucao(CodigoErro::ChamadaInvalida, "log database not open");
-  return ConsultarLogsSqlite(db_, consulta, true);
+  if (!manterAberta_) return ConsultarLogsSqlite(db_, consulta, true);
+  sqlite3_stmt*& st = preparadas_[static_cast<size_t>(consulta)];
+  if (!st) st = Preparar(db_, consulta);
+  return std::make_unique<CursorSqlite>(db_, st, ColunaData(consulta, true), false);
 }
 
 }  // namespace lumavox

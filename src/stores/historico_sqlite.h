@@ -5,12 +5,17 @@
 // read-only and never created, and a writer's lock is waited for briefly before giving up.
 #pragma once
 
+#include <array>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
+#include <utility>
 
 #include "stores/historico_fonte.h"
 
 struct sqlite3;
+struct sqlite3_stmt;
 
 namespace lumavox {
 
@@ -35,7 +40,10 @@ class FonteLogsSqlite : public FonteLogs {
  public:
   // `imutavel`: read the file as one no writer touches (SQLite's immutable=1), so opening it
   // leaves no -wal or -shm file behind; only for a file with no -wal beside it.
-  explicit FonteLogsSqlite(fs::path arquivo, bool imutavel = false);
+  // `manterAberta`: the connection and its prepared queries stay from one Abrir to the next
+  // while the name leads to the same file (device and inode), for a database only this process
+  // and its own writer use: a kept connection keeps SQLite's -wal beside the file.
+  explicit FonteLogsSqlite(fs::path arquivo, bool imutavel = false, bool manterAberta = false);
   ~FonteLogsSqlite() override;
   FonteLogsSqlite(const FonteLogsSqlite&) = delete;
   FonteLogsSqlite& operator=(const FonteLogsSqlite&) = delete;
@@ -44,9 +52,13 @@ class FonteLogsSqlite : public FonteLogs {
   std::unique_ptr<CursorLogs> Consultar(ConsultaLogs consulta) override;
 
  private:
+  void Fechar();
+
   fs::path arquivo_;
-  bool imutavel_;
+  bool imutavel_, manterAberta_;
   sqlite3* db_ = nullptr;
+  std::array<sqlite3_stmt*, 3> preparadas_{};
+  std::optional<std::pair<uint64_t, uint64_t>> identidade_;
 };
 
 }  // namespace lumavox

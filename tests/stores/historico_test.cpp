@@ -226,6 +226,38 @@ TEST_F(CargaHistorico, DatasDeTextoDoBancoSqlite) {
   EXPECT_EQ(H().HistoricoTipo5Datas(1, 1), Dia(21, 7));
 }
 
+// A connection kept between loads reads what the writer added since; a file put in the
+// database's place is opened anew, and one that is no database leaves the history as it was.
+TEST_F(CargaHistorico, ConexaoMantidaEntreCargas) {
+  OrigemHistoricoBanco origem(estacao.Pasta(), true);
+  auto CarregarMantida = [&] {
+    estado->SubstituirHistorico([&](Historico& h) { origem.CarregarMusicasTocadas(h, estado->acervo()); });
+  };
+  {
+    BancoLogs jogador(Banco());
+    jogador.Registrar({101, Dia(22, 9), 0});
+    CarregarMantida();
+    EXPECT_EQ(H().HistoricoCodigos[-1], 101);
+    jogador.Registrar({102, Dia(22, 10), 0});
+    CarregarMantida();
+    EXPECT_EQ(H().HistoricoCodigos[-1], 102);
+    EXPECT_EQ(H().HistoricoCodigos[-2], 101);
+  }
+  {
+    BancoLogs outro(estacao.Caminho("copia.db"));
+    outro.Registrar({103, Dia(22, 11), 0});
+  }
+  for (const char* resto : {"-wal", "-shm"}) fs::remove(Banco().string() + resto);
+  fs::rename(estacao.Caminho("copia.db"), Banco());
+  CarregarMantida();
+  EXPECT_EQ(H().HistoricoCodigos[-1], 103);
+  EXPECT_EQ(H().HistoricoCodigos[-2], 0);
+  estacao.GravarTexto("lixo.db", std::string(4096, 'x'));
+  fs::rename(estacao.Caminho("lixo.db"), Banco());
+  CarregarMantida();
+  EXPECT_EQ(H().HistoricoCodigos[-1], 103);
+}
+
 TEST(ValoresDoBanco, DatasOleENumeros) {
   EXPECT_EQ(DataHoraDeOle(44532.5), MontarDataHora(2021, 12, 2, 12, 0, 0));
   // Before day zero the fraction still counts forward from the start of the day.
