@@ -74,9 +74,16 @@ void CopiaDaEstacao::Copiar(const fs::path& de, const fs::path& para, bool raiz)
         fs::copy_file(p, para / nome, fs::copy_options::overwrite_existing);
         continue;
       }
-      const auto antes = nome == "lxdb.rdb" ? real_.Versao(p) : std::nullopt;
-      memoria_.Guardar(para / nome, real_.LerBytes(p));
-      if (antes && real_.Versao(p) == antes) versoes_[para / nome] = *antes;
+      const auto versao = nome == "lxdb.rdb" ? real_.Versao(p) : std::nullopt;
+      if (versao) {
+        // A collection with a version is usually loaded from its record, never read: its
+        // megabytes are brought from the station only if the engine asks for them.
+        memoria_.Guardar(para / nome, std::string());
+        versoes_[(para / nome).native()] = *versao;
+        adiados_.emplace((para / nome).native(), p);
+      } else {
+        memoria_.Guardar(para / nome, real_.LerBytes(p));
+      }
     }
   }
 }
@@ -106,19 +113,61 @@ bool CopiaDaEstacao::Midia(const fs::path& caminho) const {
   return midias_.contains(s.substr(barra + 1));
 }
 
-std::string CopiaDaEstacao::LerBytes(const fs::path& c) { return Midia(c) ? std::string() : Onde(c).LerBytes(c); }
-void CopiaDaEstacao::EscreverBytes(const fs::path& c, std::string_view b) { Onde(c).EscreverBytes(c, b); }
+void CopiaDaEstacao::Trazer(const fs::path& c) {
+  if (adiados_.empty()) return;
+  auto it = adiados_.find(c.native());
+  if (it == adiados_.end()) return;
+  const fs::path estacao = std::move(it->second);
+  adiados_.erase(it);
+  std::string bytes;
+  try {
+    bytes = real_.LerBytes(estacao);
+  } catch (const ErroExecucao&) {
+  }
+  // Changed since the copy began: the copy holds it as it is now, and no record answers for it.
+  if (auto v = versoes_.find(c.native()); v != versoes_.end() && real_.Versao(estacao) != v->second) versoes_.erase(v);
+  memoria_.Guardar(c, std::move(bytes));
+}
+
+void CopiaDaEstacao::Esquecer(const fs::path& c) noexcept {
+  if (versoes_.empty()) return;
+  adiados_.erase(c.native());
+  versoes_.erase(c.native());
+}
+
+std::string CopiaDaEstacao::LerBytes(const fs::path& c) {
+  if (Midia(c)) return std::string();
+  Trazer(c);
+  return Onde(c).LerBytes(c);
+}
+void CopiaDaEstacao::EscreverBytes(const fs::path& c, std::string_view b) {
+  Esquecer(c);
+  Onde(c).EscreverBytes(c, b);
+}
 void CopiaDaEstacao::Sincronizar(const fs::path& c) { Onde(c).Sincronizar(c); }
 void CopiaDaEstacao::Renomear(const fs::path& de, const fs::path& para) {
+  Trazer(de);
+  Esquecer(para);
   SistemaArquivos& origem = Onde(de);
   // Between memory and disk there is no rename, as between two disks.
   if (&origem != &Onde(para)) throw ErroDeArquivo(EXDEV, "Erro ao renomear", de);
   origem.Renomear(de, para);
+  Esquecer(de);
 }
-bool CopiaDaEstacao::Apagar(const fs::path& c) noexcept { return Onde(c).Apagar(c); }
+bool CopiaDaEstacao::Apagar(const fs::path& c) noexcept {
+  Esquecer(c);
+  return Onde(c).Apagar(c);
+}
 bool CopiaDaEstacao::ArquivoExiste(const fs::path& c) noexcept { return Midia(c) || Onde(c).ArquivoExiste(c); }
 bool CopiaDaEstacao::CriarPastas(const fs::path& pasta) noexcept { return Onde(pasta).CriarPastas(pasta); }
-std::optional<MarcaArquivo> CopiaDaEstacao::Marca(const fs::path& c) noexcept { return Onde(c).Marca(c); }
+std::optional<MarcaArquivo> CopiaDaEstacao::Marca(const fs::path& c) noexcept {
+  try {
+    Trazer(c);
+  } catch (const std::exception&) {
+    return std::nullopt;
+  }
+  return Onde(c).Marca(c);
+}
 
 std::vector<fs::path> CopiaDaEstacao::Listar(const fs::path& pasta, std::string_view terminacao) {
   if (!PastaMre(pasta.native())) return Onde(pasta).Listar(pasta, terminacao);
@@ -137,7 +186,7 @@ std::vector<std::string> CopiaDaEstacao::ListarNomes(const fs::path& pasta, std:
 
 std::optional<VersaoArquivo> CopiaDaEstacao::Versao(const fs::path& c) noexcept {
   if (PastaMre(c.native())) return versaoMre_;
-  if (auto it = versoes_.find(c); it != versoes_.end()) return it->second;
+  if (auto it = versoes_.find(c.native()); it != versoes_.end()) return it->second;
   return Onde(c).Versao(c);
 }
 

@@ -1,15 +1,16 @@
 // The scratch copy a simulation runs on, and the file system the engine and the stand-in
 // player see during the run. The station's text files (collections, rules, playlist and
 // schedule tables) are held in memory, where a simulated day's tens of thousands of file
-// operations cost no system call; the log databases are copied to a temporary folder on disk,
-// as their libraries open their own files. In the copy's media folder stands an empty file for
-// each song the station has media for, as one listing at the start found them, so a load keeps
-// the same songs without copying gigabytes of audio.
+// operations cost no system call; a collection file with a version stays at the station until
+// the engine reads it, which a recorded load spares. The log databases are copied to a
+// temporary folder on disk, as their libraries open their own files. In the copy's media folder
+// stands an empty file for each song the station has media for, as one listing at the start
+// found them, so a load keeps the same songs without copying gigabytes of audio.
 #pragma once
 
 #include <filesystem>
-#include <map>
 #include <string>
+#include <unordered_map>
 #include <unordered_set>
 
 #include "base/sistema_arquivos.h"
@@ -47,6 +48,11 @@ class CopiaDaEstacao final : public SistemaArquivos {
   void Copiar(const fs::path& de, const fs::path& para, bool raiz);
   // Where a path of the run lives: the copy's files in memory, anything else on the disk.
   SistemaArquivos& Onde(const fs::path& caminho) noexcept;
+  // Brings a collection file left at the station into the copy, before its bytes or its mark
+  // are looked at.
+  void Trazer(const fs::path& caminho);
+  // A file of the copy written over or removed is no longer the station's.
+  void Esquecer(const fs::path& caminho) noexcept;
   bool PastaMre(std::string_view pasta) const;
   bool Midia(const fs::path& caminho) const;
 
@@ -56,7 +62,8 @@ class CopiaDaEstacao final : public SistemaArquivos {
   std::string prefixo_;  // the copy's folder and a separator
   std::unordered_set<std::string> midias_;
   std::optional<VersaoArquivo> versaoMre_;
-  std::map<fs::path, VersaoArquivo> versoes_;
+  std::unordered_map<std::string, VersaoArquivo> versoes_;  // by the copy's path
+  std::unordered_map<std::string, fs::path> adiados_;  // copy's path -> the station's file
 };
 
 }  // namespace lumavox::cli

@@ -40,6 +40,8 @@ TEST(CopiaDaEstacao, TextosEmMemoriaBancoNoDiscoEstacaoIntacta) {
     const auto versao = ArquivosReais().Versao(estacao.Caminho("lxdb.rdb"));
     ASSERT_TRUE(versao.has_value());
     EXPECT_EQ(copia.Versao(pasta / "lxdb.rdb"), versao);
+    EXPECT_EQ(copia.LerBytes(pasta / "lxdb.rdb"), estacao.Ler("lxdb.rdb"));
+    EXPECT_EQ(copia.Versao(pasta / "lxdb.rdb"), versao);
 
     // The database is a file on disk; the text files are not.
     EXPECT_EQ(LerBytes(pasta / "lumavox.db"), "banco");
@@ -64,6 +66,13 @@ TEST(CopiaDaEstacao, TextosEmMemoriaBancoNoDiscoEstacaoIntacta) {
   }
   EXPECT_FALSE(fs::exists(pasta));
   EXPECT_EQ(estacao.Conteudo(), antes);
+
+  // A collection changed at the station before the run first reads it is read as it is then,
+  // and the version taken at the start no longer answers for it.
+  CopiaDaEstacao copia(estacao.Pasta());
+  estacao.GravarTexto("lxdb.rdb", "outro acervo\n");
+  EXPECT_EQ(copia.LerBytes(copia.Pasta() / "lxdb.rdb"), "outro acervo\n");
+  EXPECT_FALSE(copia.Versao(copia.Pasta() / "lxdb.rdb").has_value());
 }
 
 }  // namespace
