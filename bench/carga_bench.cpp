@@ -36,7 +36,7 @@ BENCHMARK(BM_CarregarEstacaoCheia)->Unit(benchmark::kMillisecond)->Repetitions(5
 namespace {
 
 // The start-up load with the history: collection, three rules files of 48 rules and a log
-// database of 20,000 rows.
+// database of 20,000 rows; with argument 1 the log stays open between loads, as a simulation's.
 void BM_CargaPartida(benchmark::State& state) {
   static const std::filesystem::path pasta = [] {
     std::filesystem::path p = std::filesystem::temp_directory_path() / "lumavox-bench-partida";
@@ -53,7 +53,7 @@ void BM_CargaPartida(benchmark::State& state) {
   }();
   lumavox::AmbienteFixo ambiente(lumavox::MontarDataHora(2026, 11, 22, 10, 0, 0));
   lumavox::Motor motor(pasta, ambiente);
-  lumavox::InstalarHistorico(motor);
+  lumavox::InstalarHistorico(motor, state.range(0) == 1);
   motor.AbrirPlaylists();
   motor.E().playlists.PlaylistAtual = 0;
   for (auto _ : state) {
@@ -62,7 +62,7 @@ void BM_CargaPartida(benchmark::State& state) {
   }
   if (motor.E().acervo().TotalMusicas != 4001) state.SkipWithError("estação incompleta");
 }
-BENCHMARK(BM_CargaPartida)->Unit(benchmark::kMillisecond)->Repetitions(5)->ReportAggregatesOnly(true);
+BENCHMARK(BM_CargaPartida)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->Repetitions(5)->ReportAggregatesOnly(true);
 
 }  // namespace
 

@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "base/ambiente.h"
+#include "cli/copia_estacao.h"
 #include "cli/demo.h"
 #include "engine/motor.h"
 #include "estacao_cheia.h"
@@ -33,18 +34,26 @@ const fs::path& EstacaoSelecao() {
   return pasta;
 }
 
+// Argument 1: on a simulation's scratch copy, its text files and hand-over in memory.
 void BM_UmaSelecao(benchmark::State& state) {
   AmbienteFixo ambiente(MontarDataHora(2026, 11, 22, 10, 0, 0), 11);
-  Motor motor(EstacaoSelecao(), ambiente);
+  std::unique_ptr<cli::CopiaDaEstacao> copia;
+  if (state.range(0) == 1) {
+    copia = std::make_unique<cli::CopiaDaEstacao>(EstacaoSelecao());
+    ambiente.DefinirArquivos(*copia);
+  }
+  SistemaArquivos& arquivos = ambiente.Arquivos();
+  const fs::path pasta = copia ? copia->Pasta() : EstacaoSelecao();
+  Motor motor(pasta, ambiente);
   motor.Iniciar();
   Estado& e = motor.E();
   bench::PreencherHistorico(e, ambiente.Agora(), 3000);
   motor.TestarRegras();  // the start-up call fills the queue
-  const fs::path fila = EstacaoSelecao() / "list";
+  const fs::path fila = pasta / "list";
   for (auto _ : state) {
     state.PauseTiming();
     // The player took one.
-    ApagarArquivo(ArquivosReais(), ListarArquivos(ArquivosReais(), fila, ".lre").front());
+    ApagarArquivo(arquivos, ListarArquivos(arquivos, fila, ".lre").front());
     e.ContagemRecarga = 100;
     state.ResumeTiming();
     benchmark::DoNotOptimize(motor.TestarRegras());
@@ -74,6 +83,6 @@ void BM_UmaSelecaoSemArquivos(benchmark::State& state) {
 }
 BENCHMARK(BM_UmaSelecaoSemArquivos)->Unit(benchmark::kMillisecond)->Repetitions(5)->ReportAggregatesOnly(true);
 
-BENCHMARK(BM_UmaSelecao)->Unit(benchmark::kMillisecond)->Repetitions(5)->ReportAggregatesOnly(true);
+BENCHMARK(BM_UmaSelecao)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->Repetitions(5)->ReportAggregatesOnly(true);
 
 }  // namespace
