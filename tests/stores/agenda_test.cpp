@@ -1,23 +1,18 @@
-// The schedule-table files: blocks and overrides, broken files, the load inside DefinirAcervo
-// and the CLI check.
+// The schedule-table files: blocks and overrides, broken files and the CLI check (the load
+// inside DefinirAcervo is the engine's test).
 #include "stores/agenda.h"
 
 #include <gtest/gtest.h>
 
 #include "apoio/estacao.h"
 #include "apoio/linha_comando.h"
-#include "engine/motor.h"
 
 namespace lumavox {
 namespace {
 
 using teste::EstacaoTeste;
 
-std::string Tabela(std::initializer_list<std::string> linhas) {
-  std::string bytes;
-  for (const std::string& l : linhas) bytes += EstacaoTeste::Codificada(l) + "\r\n";
-  return bytes;
-}
+std::string Tabela(std::initializer_list<std::string_view> linhas) { return EstacaoTeste::Linhas(linhas); }
 
 const std::string kTabela7 = Tabela({"7", "0-14", "Genero:Rock;Pop", "Faixa Etária:10:20", "", "",
                                      "3", "Estilo:Dance", "", "359", "Genero:Jazz"});
@@ -52,34 +47,6 @@ TEST(TabelasAgenda, BlocosComFiltrosInteirosEUmaTabelaQuebradaParaNaLinhaRuim) {
   // A line that does not decode is named as well.
   st.GravarTexto("lxtb3.rdb", Tabela({"11", "0"}) + "099999\r\n");
   EXPECT_NE(CarregarTabelasAgenda(ArquivosReais(), a, st.Pasta())[2].find("lxtb3.rdb, linha 3"), std::string::npos);
-}
-
-// Counts the history loads it is asked for.
-struct OrigemContada : OrigemHistorico {
-  int* cargas;
-  explicit OrigemContada(int* c) : cargas(c) {}
-  void CarregarMusicasTocadas(Historico&, const Acervo&) override { ++*cargas; }
-};
-
-TEST(TabelasAgenda, DefinirAcervoLeAsTabelasEUmaQuebradaNaoParaACarga) {
-  EstacaoTeste st;
-  st.Musica(1).GravarAcervo();
-  st.GravarRegras();
-  st.GravarTexto("lxtb1.rdb", kTabela7);
-  st.GravarTexto("lxtb2.rdb", Tabela({"8", "x"}));
-  st.GravarTexto("debug.red", "");
-  AmbienteFixo ambiente(MontarDataHora(2026, 11, 22, 10, 0, 0));
-  Motor motor(st.Pasta(), ambiente);
-  motor.DetectarModoDebug();
-  motor.AbrirPlaylists();
-  motor.E().playlists.PlaylistAtual = 0;
-  int cargas = 0;
-  motor.DefinirOrigemHistorico(std::make_unique<OrigemContada>(&cargas));
-  motor.DefinirAcervo(0);
-  EXPECT_EQ(cargas, 1);  // the history load still ran
-  EXPECT_NE(st.Ler("debuglog.rer").find("lxtb2.rdb, linha 2"), std::string::npos);
-  EXPECT_EQ(motor.E().agenda.TabelasNumero[1], 7);
-  EXPECT_EQ(motor.E().agenda.TabelasGrade(1, 359, 0), u"Genero:Jazz");
 }
 
 TEST(TabelasAgenda, CliConfereEMostraATabela) {
