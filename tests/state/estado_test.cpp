@@ -43,10 +43,17 @@ TEST(Estado, LocalizarMusicaSegueCadaCargaDoAcervo) {
   EXPECT_EQ(e->LocalizarMusica(20), 1);
   EXPECT_EQ(e->LocalizarMusica(10), 0);  // a repeated code: the first slot wins
   EXPECT_EQ(e->LocalizarMusica(30), kSlotAusente);
+  EXPECT_EQ(e->LocalizarMusica(0), 3);  // code 0 fills every unused slot
+  e->AdicionarTocada(20, DataHora{});
+  EXPECT_EQ(LocalizarMusicaTocada(*e, 0), 1);
+  EXPECT_EQ(LocalizarMusicaTocada(*e, -1), 3);  // an empty database position holds code 0
+  EXPECT_THROW(LocalizarMusicaTocada(*e, -4001), ErroExecucao);
 
   Codigos(*e, {30, 20});
   EXPECT_EQ(e->LocalizarMusica(30), 0);
   EXPECT_EQ(e->LocalizarMusica(10), 2);  // past the last song, the earlier load's code still counts
+  e->CarregarAcervo([](Acervo& a) { a.AcervoCodigos[4000] = 77; });
+  EXPECT_EQ(e->LocalizarMusica(77), 4000);
 
   // A load that raises half-way: what it wrote before raising is what lookups see.
   EXPECT_THROW(e->CarregarAcervo([](Acervo& a) {
