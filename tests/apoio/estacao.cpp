@@ -101,6 +101,12 @@ std::map<std::string, std::string> EstacaoTeste::Conteudo() const {
 
 std::string EstacaoTeste::Codificada(std::string_view utf8) { return ParaUtf8(CodificarLinha(DeUtf8(utf8))); }
 
+std::string EstacaoTeste::Linhas(std::initializer_list<std::string_view> utf8) {
+  std::string bytes;
+  for (std::string_view texto : utf8) bytes += Codificada(texto) + "\r\n";
+  return bytes;
+}
+
 std::optional<CodigoErro> ErroDe(const std::function<void()>& acao) {
   try {
     acao();

@@ -60,6 +60,8 @@ class EstacaoTeste {
 
   // A UTF-8 text as one encoded line of the collection and rules files, without its line end.
   static std::string Codificada(std::string_view utf8);
+  // Texts as the encoded lines of a station file, each ending in CRLF.
+  static std::string Linhas(std::initializer_list<std::string_view> utf8);
 
  private:
   fs::path pasta_;

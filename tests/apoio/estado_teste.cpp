@@ -63,6 +63,13 @@ EstadoTeste& EstadoTeste::RegraAtual(std::string id, std::vector<std::string> va
   return *this;
 }
 
+std::vector<int32_t> EstadoTeste::Aplicar(const std::function<void(Estado&)>& regra, std::string id,
+                                          std::vector<std::string> vars) {
+  TodasCandidatas().RegraAtual(std::move(id), std::move(vars));
+  regra(*estado_);
+  return Mantidas();
+}
+
 std::vector<int32_t> EstadoTeste::Mantidas() {
   std::vector<int32_t> codigos;
   for (long i = 0; i < estado_->acervo().TotalMusicas; ++i)

@@ -2,6 +2,7 @@
 // plays, catalogue rules and a frozen clock, without any file.
 #pragma once
 
+#include <functional>
 #include <initializer_list>
 #include <memory>
 #include <string>
@@ -36,6 +37,9 @@ class EstadoTeste {
   // Copies a rule straight into RegraAtual (for calling a rule procedure directly).
   EstadoTeste& RegraAtual(std::string id, std::vector<std::string> vars);
 
+  // Runs `regra` as rule `id` on every loaded song and returns the codes it keeps.
+  std::vector<int32_t> Aplicar(const std::function<void(Estado&)>& regra, std::string id,
+                               std::vector<std::string> vars);
   // Codes of the candidates kept by the last rule (MusicaMantida and MusicaCandidata both set).
   std::vector<int32_t> Mantidas();
   std::vector<int32_t> Candidatas();

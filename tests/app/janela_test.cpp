@@ -25,7 +25,6 @@
 namespace lumavox::app {
 namespace {
 
-namespace fs = std::filesystem;
 
 class Janela : public ::testing::Test {
  protected:
@@ -45,11 +44,7 @@ class Janela : public ::testing::Test {
     return controle;
   }
   QTreeWidgetItem* Selecao(const char* chave) { return C<ArvoreLog>("Tree1")->ProcurarSelecao(chave); }
-  std::vector<fs::path> Fila() {
-    std::vector<fs::path> fila;
-    for (const auto& f : fs::directory_iterator(estacao.Caminho("list"))) fila.push_back(f.path());
-    return fila;
-  }
+  std::vector<std::string> Fila() const { return estacao.Nomes("list"); }
 
   teste::EstacaoTeste estacao;
   AmbienteFixo ambiente{MontarDataHora(2026, 11, 22, 10, 0, 0), 7};

@@ -36,6 +36,18 @@ class MotorCarga : public ::testing::Test {
     motor.VerificarPlaylist(0);
   }
   std::array<int16_t, 3> Regras() const { return motor.E().catalogo.QuantidadeRegras; }
+  // The collection file and the media folder as last written an hour ago.
+  void Envelhecer() {
+    const auto antigo = fs::file_time_type::clock::now() - std::chrono::hours(1);
+    fs::last_write_time(estacao.Caminho("lxdb.rdb"), antigo);
+    fs::last_write_time(estacao.Caminho("mre"), antigo);
+  }
+  // lxdb.rdb with song 3's code turned into 1: the same size, other contents.
+  std::string TerceiraViraPrimeira() {
+    std::string bytes = estacao.Ler("lxdb.rdb");
+    return bytes.replace(bytes.find(EstacaoTeste::Codificada("3")), EstacaoTeste::Codificada("3").size(),
+                         EstacaoTeste::Codificada("1"));
+  }
 
   EstacaoTeste estacao;
   AmbienteFixo ambiente{MontarDataHora(2026, 11, 22, 9, 0, 0)};
@@ -43,15 +55,23 @@ class MotorCarga : public ::testing::Test {
   int historicos = 0;
 };
 
-TEST_F(MotorCarga, CargaCompletaGravaNregCarregaRegrasELimpaAgenda) {
-  motor.E().agenda.TabelasNumero[2] = 7;
-  motor.E().agenda.TabelasGrade(1, 300, 5) = u"Genero:Rock";
+// What an earlier load left in the schedule goes; a broken table is traced and the load goes on.
+TEST_F(MotorCarga, CargaCompletaGravaNregCarregaRegrasEAgenda) {
+  motor.E().agenda.TabelasNumero[0] = 7;
+  motor.E().agenda.TabelasGrade(0, 300, 5) = u"Genero:Rock";
+  estacao.GravarTexto("lxtb1.rdb", EstacaoTeste::Linhas({"7", "359", "Genero:Jazz"}));
+  estacao.GravarTexto("lxtb2.rdb", EstacaoTeste::Linhas({"8", "x"}));
+  estacao.GravarTexto("debug.red", "");
+  motor.DetectarModoDebug();
   DefinirAcervo();
   EXPECT_EQ(motor.E().acervo().TotalMusicas, 3);
   EXPECT_EQ(estacao.Ler("nreg.rer"), "3\n");
   EXPECT_EQ(Regras(), (std::array<int16_t, 3>{1, 0, 2}));
-  EXPECT_EQ(motor.E().agenda.TabelasNumero[2], 0);
-  EXPECT_EQ(motor.E().agenda.TabelasGrade(1, 300, 5), u"");
+  EXPECT_EQ(motor.E().agenda.TabelasNumero[0], 0);
+  EXPECT_EQ(motor.E().agenda.TabelasGrade(0, 300, 5), u"");
+  EXPECT_EQ(motor.E().agenda.TabelasNumero[1], 7);
+  EXPECT_EQ(motor.E().agenda.TabelasGrade(1, 359, 0), u"Genero:Jazz");
+  EXPECT_NE(estacao.Ler("debuglog.rer").find("lxtb2.rdb, linha 2"), std::string::npos);
   EXPECT_EQ(historicos, 1);
   DefinirAcervo(-1);
   EXPECT_EQ(historicos, 1);
@@ -120,12 +140,7 @@ TEST_F(MotorCarga, CargaQueFalhaETentadaDeNovoACadaVerificacao) {
 // so nothing derived from it is rebuilt; any change to the collection file or to the set of
 // media files is read again, even one that keeps the size and the write time.
 TEST_F(MotorCarga, RecargaDeArquivosInalteradosNaoRefazOAcervo) {
-  const auto antigo = fs::file_time_type::clock::now() - std::chrono::hours(1);
-  auto envelhecer = [&] {
-    fs::last_write_time(estacao.Caminho("lxdb.rdb"), antigo);
-    fs::last_write_time(estacao.Caminho("mre"), antigo);
-  };
-  envelhecer();
+  Envelhecer();
   DefinirAcervo();
   const uint64_t carregado = motor.E().VersaoAcervo();
   DefinirAcervo();
@@ -134,17 +149,14 @@ TEST_F(MotorCarga, RecargaDeArquivosInalteradosNaoRefazOAcervo) {
 
   // Same size, same write time: only the change time tells.
   const std::string antes = estacao.Ler("lxdb.rdb");
-  std::string depois = antes;
-  depois.replace(depois.find(EstacaoTeste::Codificada("3")), EstacaoTeste::Codificada("3").size(), EstacaoTeste::Codificada("1"));
-  ASSERT_EQ(depois.size(), antes.size());
-  estacao.GravarTexto("lxdb.rdb", depois);
-  envelhecer();
+  estacao.GravarTexto("lxdb.rdb", TerceiraViraPrimeira());
+  Envelhecer();
   DefinirAcervo();
   EXPECT_NE(motor.E().VersaoAcervo(), carregado);
   EXPECT_EQ(motor.E().acervo().AcervoCodigos[2], 1);
 
   fs::remove(estacao.Caminho("mre/0000002.mre"));
-  envelhecer();
+  Envelhecer();
   DefinirAcervo();
   EXPECT_EQ(motor.E().acervo().TotalMusicas, 2);
 
@@ -159,13 +171,8 @@ TEST_F(MotorCarga, RecargaDeArquivosInalteradosNaoRefazOAcervo) {
 // A second engine on the station takes the first one's load from the folder of records without
 // reading lxdb.rdb (here refused to it); once the file changes, the record no longer answers.
 TEST_F(MotorCarga, CargaGuardadaServeOutroMotorAteAColecaoMudar) {
-  const auto antigo = fs::file_time_type::clock::now() - std::chrono::hours(1);
-  auto envelhecer = [&] {
-    fs::last_write_time(estacao.Caminho("lxdb.rdb"), antigo);
-    fs::last_write_time(estacao.Caminho("mre"), antigo);
-  };
   const fs::path registros = estacao.Caminho("cache");
-  envelhecer();
+  Envelhecer();
   motor.DefinirPastaGravacoes(registros);
   DefinirAcervo();
   ASSERT_EQ(motor.E().acervo().TotalMusicas, 3);
@@ -191,10 +198,8 @@ TEST_F(MotorCarga, CargaGuardadaServeOutroMotorAteAColecaoMudar) {
     for (long k = 0; k < kCampos; ++k) EXPECT_EQ(guardado->AcervoTags(s, k), lido.AcervoTags(s, k));
   }
 
-  std::string depois = estacao.Ler("lxdb.rdb");
-  depois.replace(depois.find(EstacaoTeste::Codificada("3")), EstacaoTeste::Codificada("3").size(), EstacaoTeste::Codificada("1"));
-  estacao.GravarTexto("lxdb.rdb", depois);
-  envelhecer();
+  estacao.GravarTexto("lxdb.rdb", TerceiraViraPrimeira());
+  Envelhecer();
   EXPECT_THROW(Outro(), ErroExecucao);  // not the stale record: the file, which it may not read
   arquivos.Permitir();
   EXPECT_EQ(Outro()->AcervoCodigos[2], 1);

@@ -27,16 +27,9 @@ struct SorteioFixo : AmbienteFixo {
 };
 constexpr float kSorteio1 = 0.0f, kSorteio100 = 0.99999994f;
 
-// A state whose rules draw from `sorteio`; Aplicar runs rule `id` on every song.
+// A state whose rules draw from `sorteio`.
 struct Teste {
-  explicit Teste(DataHora agora = MontarDataHora(2026, 11, 22, 10, 0, 0)) : t(agora) {
-    t->ambiente = &sorteio;
-  }
-  Codigos Aplicar(void (*regra)(Estado&), std::string id, std::vector<std::string> vars) {
-    t.TodasCandidatas().RegraAtual(std::move(id), std::move(vars));
-    regra(t.E());
-    return t.Mantidas();
-  }
+  explicit Teste(DataHora agora = MontarDataHora(2026, 11, 22, 10, 0, 0)) : t(agora) { t->ambiente = &sorteio; }
   Teste& Vibe(int32_t codigo, const char* vibe) {
     t.Musica(codigo, {{kVelocidade, vibe}, {kRitmo, vibe}});
     return *this;
@@ -54,7 +47,7 @@ TEST(Regra08, FaixaDeNotaInclusivaEDoisTagsSoNasHoras) {
       .Musica(5, {{kNota, "9"}, {kEstilo, "Dance"}})
       .Musica(6, {{kGenero, "Rock"}, {kEstilo, "Dance"}});
   auto Com = [&](const char* alta, const char* baixa, const char* de, const char* ate) {
-    return x.Aplicar(Regra08, "08", {alta, baixa, "Genero:Rock", "Estilo:Dance", de, ate, "noite"});
+    return x.t.Aplicar(Regra08, "08", {alta, baixa, "Genero:Rock", "Estilo:Dance", de, ate, "noite"});
   };
   EXPECT_EQ(Com("10", "8", "09:00", "10:00"), (Codigos{1, 2}));
   EXPECT_EQ(Com("10", "0", "09:00", "10:00"), (Codigos{1, 2, 3, 6}));  // an empty Nota is 0
@@ -68,7 +61,7 @@ TEST(Regra22, DepoisDoTagUmSorteioEscolheX3OuX4) {
       .Musica(2, {{kGenero, "Normal"}})
       .Musica(3, {{kGenero, "Acelerado"}});
   auto Com = [&](const char* chance, const char* x3, const char* x4) {
-    return x.Aplicar(Regra22, "22", {"Genero:Animado", chance, x3, x4});
+    return x.t.Aplicar(Regra22, "22", {"Genero:Animado", chance, x3, x4});
   };
   EXPECT_EQ(Com("100", "Genero:Normal", "Genero:Acelerado").size(), 3u);  // empty history
   EXPECT_EQ(x.sorteio.sorteios, 0);
@@ -94,7 +87,7 @@ TEST(Regra23, TagsDaUltimaPedemOuEvitamOsAlvos) {
       .Musica(2, {{kGenero, "Pop"}, {kEstilo, "Dance"}})
       .Musica(3, {{kGenero, "Pop"}, {kEstilo, "Balada"}});
   auto Com = [&](const char* x2, const char* modo, const char* alvo1, const char* alvo2) {
-    return x.Aplicar(Regra23, "23", {"Genero:Rock", x2, "", modo, alvo1, "", alvo2});
+    return x.t.Aplicar(Regra23, "23", {"Genero:Rock", x2, "", modo, alvo1, "", alvo2});
   };
   EXPECT_EQ(Com("", "Sim", "Genero:Pop", "").size(), 3u);  // empty history
   x.t.Tocadas({1});
@@ -113,17 +106,17 @@ TEST(Regra24e27, GeneroInfluenteComOsCamposTrocados) {
       .Musica(3, {{kGenero, "Rock;Blues"}, {kGeneroSub, "Jazz"}})
       .Musica(4, {{kGenero, "Jazz"}, {kGeneroSub, "Rock;Jazz"}})
       .Musica(5, {{kGenero, "Blues"}});
-  EXPECT_EQ(x.Aplicar(Regra24, "24", {"100"}).size(), 5u);  // empty history: no draw
+  EXPECT_EQ(x.t.Aplicar(Regra24, "24", {"100"}).size(), 5u);  // empty history: no draw
   EXPECT_EQ(x.sorteio.sorteios, 0);
   x.t.Tocadas({1});
   x.sorteio.valor = kSorteio100;
-  EXPECT_EQ(x.Aplicar(Regra24, "24", {"100"}), (Codigos{2, 3, 5}));
-  EXPECT_EQ(x.Aplicar(Regra27, "27", {"100"}), (Codigos{2, 4}));
+  EXPECT_EQ(x.t.Aplicar(Regra24, "24", {"100"}), (Codigos{2, 3, 5}));
+  EXPECT_EQ(x.t.Aplicar(Regra27, "27", {"100"}), (Codigos{2, 4}));
   EXPECT_EQ(x.sorteio.sorteios, 2);
   x.sorteio.valor = kSorteio1;
-  EXPECT_EQ(x.Aplicar(Regra27, "27", {"0,4"}).size(), 5u);  // rounds to 0
+  EXPECT_EQ(x.t.Aplicar(Regra27, "27", {"0,4"}).size(), 5u);  // rounds to 0
   x.t.Tocadas({5});                                         // an empty GeneroSub matches no genre
-  EXPECT_TRUE(x.Aplicar(Regra24, "24", {"1"}).empty());
+  EXPECT_TRUE(x.t.Aplicar(Regra24, "24", {"1"}).empty());
 }
 
 TEST(Regra25, SlotsDeQuatroMinutosOuPosicaoModulo359ENumeroDesconhecidoUsaOLugar0) {
@@ -142,11 +135,11 @@ TEST(Regra25, SlotsDeQuatroMinutosOuPosicaoModulo359ENumeroDesconhecidoUsaOLugar
   a.TabelasGrade(2, 359, 0) = u"Genero:Jazz";
   auto As = [&](int hora, int minuto, int segundo = 0, const char* tabela = "7") {
     x.t->selecao.DataHoraReferencia = MontarDataHora(2026, 11, 22, hora, minuto, segundo);
-    return x.Aplicar(Regra25, "25", {tabela, "0"});
+    return x.t.Aplicar(Regra25, "25", {tabela, "0"});
   };
   auto Posicao = [&](int16_t tocadas) {
     x.t->SubstituirHistorico([&](Historico& h) { h.TotalTocadas = tocadas; });
-    return x.Aplicar(Regra25, "25", {"7", "1"});
+    return x.t.Aplicar(Regra25, "25", {"7", "1"});
   };
   EXPECT_EQ(As(0, 3, 59), (Codigos{1, 2}));
   EXPECT_EQ(As(0, 4), (Codigos{1}));  // both filters of slot 1
@@ -165,11 +158,11 @@ TEST(Regra28, ChanceDeTocarOuEvitarOTag) {
   Teste x;
   x.t.Musica(1, {{kGenero, "Rock"}}).Musica(2, {{kGenero, "Pop"}});
   x.sorteio.valor = kSorteio100;
-  EXPECT_EQ(x.Aplicar(Regra28, "28", {"100", "sim", "Genero:Rock"}), (Codigos{1}));
-  EXPECT_EQ(x.Aplicar(Regra28, "28", {"100", "NÃO", "Genero:Rock"}), (Codigos{2}));
-  EXPECT_EQ(x.Aplicar(Regra28, "28", {"100", "", "Genero:Rock"}), (Codigos{2}));
+  EXPECT_EQ(x.t.Aplicar(Regra28, "28", {"100", "sim", "Genero:Rock"}), (Codigos{1}));
+  EXPECT_EQ(x.t.Aplicar(Regra28, "28", {"100", "NÃO", "Genero:Rock"}), (Codigos{2}));
+  EXPECT_EQ(x.t.Aplicar(Regra28, "28", {"100", "", "Genero:Rock"}), (Codigos{2}));
   x.sorteio.valor = kSorteio1;
-  EXPECT_EQ(x.Aplicar(Regra28, "28", {"0", "SIM", "Genero:Rock"}).size(), 2u);
+  EXPECT_EQ(x.t.Aplicar(Regra28, "28", {"0", "SIM", "Genero:Rock"}).size(), 2u);
   EXPECT_EQ(x.sorteio.sorteios, 4);
 }
 
@@ -181,13 +174,13 @@ TEST(Regra29e30, MarcasDoBancoPorChance) {
     h.HistoricoTipo5(1, 9) = true;  // a single, old mark
   });
   x.sorteio.valor = kSorteio100;
-  EXPECT_EQ(x.Aplicar(Regra29, "29", {"100"}), (Codigos{1}));
-  EXPECT_EQ(x.Aplicar(Regra30, "30", {"100"}), (Codigos{1, 3}));
+  EXPECT_EQ(x.t.Aplicar(Regra29, "29", {"100"}), (Codigos{1}));
+  EXPECT_EQ(x.t.Aplicar(Regra30, "30", {"100"}), (Codigos{1, 3}));
   x.sorteio.valor = kSorteio1;
-  EXPECT_EQ(x.Aplicar(Regra29, "29", {"0"}).size(), 3u);
-  EXPECT_EQ(x.Aplicar(Regra30, "30", {"abc"}).size(), 3u);
+  EXPECT_EQ(x.t.Aplicar(Regra29, "29", {"0"}).size(), 3u);
+  EXPECT_EQ(x.t.Aplicar(Regra30, "30", {"abc"}).size(), 3u);
   const int antes = x.sorteio.sorteios;
-  EXPECT_EQ(x.Aplicar(Regra30, "30", {"100", "21/11/2026"}).size(), 3u);  // another day: no draw
+  EXPECT_EQ(x.t.Aplicar(Regra30, "30", {"100", "21/11/2026"}).size(), 3u);  // another day: no draw
   EXPECT_EQ(x.sorteio.sorteios, antes);
 }
 
@@ -204,11 +197,11 @@ TEST(Regra31, QuarentenaPorHoraDoDiaComLimitesEstritos) {
     h.HistoricoTipo5Datas(4, 1) = MontarDataHora(2026, 1, 1, 15, 0, 0);
   });
   x.t.Musica(6);
-  EXPECT_EQ(x.Aplicar(Regra31, "31", {"3"}), (Codigos{2, 3, 4, 6}));
-  EXPECT_EQ(x.Aplicar(Regra31, "31", {"0"}).size(), 6u);
+  EXPECT_EQ(x.t.Aplicar(Regra31, "31", {"3"}), (Codigos{2, 3, 4, 6}));
+  EXPECT_EQ(x.t.Aplicar(Regra31, "31", {"0"}).size(), 6u);
   x.t->selecao.DataHoraReferencia = MontarDataHora(2026, 11, 22, 23, 0, 0);
-  EXPECT_EQ(x.Aplicar(Regra31, "31", {"3"}).size(), 6u);  // the span crosses midnight
-  EXPECT_THROW(x.Aplicar(Regra31, "31", {"três"}), ErroExecucao);
+  EXPECT_EQ(x.t.Aplicar(Regra31, "31", {"3"}).size(), 6u);  // the span crosses midnight
+  EXPECT_THROW(x.t.Aplicar(Regra31, "31", {"três"}), ErroExecucao);
 }
 
 TEST(Regra32, TrianguloComUmSorteioEArredondamentoPar) {
@@ -216,15 +209,15 @@ TEST(Regra32, TrianguloComUmSorteioEArredondamentoPar) {
   x.Vibe(1, "5").Vibe(2, "4").Vibe(3, "3,9").Vibe(4, "7,5").Vibe(5, "3").Vibe(6, "4,25").Vibe(
       7, "5,75");
   x.sorteio.valor = 0.495f;  // r = 50
-  EXPECT_EQ(x.Aplicar(Regra32, "32", {"2"}), (Codigos{1, 2, 6, 7}));
+  EXPECT_EQ(x.t.Aplicar(Regra32, "32", {"2"}), (Codigos{1, 2, 6, 7}));
   EXPECT_EQ(x.sorteio.sorteios, 1);
   // 4.25 and 5.75 score 62.5, which rounds to 62.
   x.sorteio.valor = 0.615f;  // r = 62
-  EXPECT_EQ(x.Aplicar(Regra32, "32", {"2"}), (Codigos{1, 6, 7}));
+  EXPECT_EQ(x.t.Aplicar(Regra32, "32", {"2"}), (Codigos{1, 6, 7}));
   x.sorteio.valor = 0.625f;  // r = 63
-  EXPECT_EQ(x.Aplicar(Regra32, "32", {"2"}), (Codigos{1}));
+  EXPECT_EQ(x.t.Aplicar(Regra32, "32", {"2"}), (Codigos{1}));
   x.sorteio.valor = kSorteio1;  // the edges score 0
-  EXPECT_EQ(x.Aplicar(Regra32, "32", {"2"}), (Codigos{1, 2, 3, 6, 7}));
+  EXPECT_EQ(x.t.Aplicar(Regra32, "32", {"2"}), (Codigos{1, 2, 3, 6, 7}));
 
   // Var1 = 0 divides by zero only after the draw has been made.
   x.t.RegraAtual("32", {"0"});
@@ -237,10 +230,10 @@ TEST(Regra33, FaixaDeVibeInclusiva) {
   Teste x;
   x.Vibe(1, "4").Vibe(2, "6").Vibe(3, "3,5").Vibe(4, "6,5").Vibe(5, "5");
   x.t.Musica(6);  // no vibe: 0
-  EXPECT_EQ(x.Aplicar(Regra33, "33", {"1"}), (Codigos{1, 2, 5}));
-  EXPECT_EQ(x.Aplicar(Regra33, "33", {"0"}), (Codigos{5}));
-  EXPECT_EQ(x.Aplicar(Regra33, "33", {"5"}).size(), 6u);
-  EXPECT_EQ(x.Aplicar(Regra33, "33", {"1", "", "11:00", "12:00"}).size(), 6u);
+  EXPECT_EQ(x.t.Aplicar(Regra33, "33", {"1"}), (Codigos{1, 2, 5}));
+  EXPECT_EQ(x.t.Aplicar(Regra33, "33", {"0"}), (Codigos{5}));
+  EXPECT_EQ(x.t.Aplicar(Regra33, "33", {"5"}).size(), 6u);
+  EXPECT_EQ(x.t.Aplicar(Regra33, "33", {"1", "", "11:00", "12:00"}).size(), 6u);
 }
 
 }  // namespace

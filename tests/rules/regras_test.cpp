@@ -21,28 +21,20 @@ constexpr int kArtista = 0, kGenero = 5, kNota = 8, kRitmo = 24;
 DataHora Dia(int dia, int hora, int minuto = 0) { return MontarDataHora(2026, 11, dia, hora, minuto); }
 int Percentual(AmbienteFixo& a) { return static_cast<int>(a.Aleatorio() * 100.0f + 1.0f); }
 
-// Applies the rule on every loaded song and returns the codes it keeps.
-template <typename F>
-Codigos Aplicar(EstadoTeste& t, F regra, std::string id, std::vector<std::string> vars) {
-  t.TodasCandidatas().RegraAtual(std::move(id), std::move(vars));
-  regra(t.E());
-  return t.Mantidas();
-}
-
 TEST(Regra01, SoAPrimeiraMusicaDaEstacaoPrecisaDoTag) {
   EstadoTeste t;
   t.Musica(1, {{kGenero, "Rock;"}}).Musica(2, {{kGenero, "Pop;"}}).Musica(3, {{kGenero, "Pop;Rock"}});
-  EXPECT_EQ(Aplicar(t, Regra01, "01", {"Genero:Rock"}), (Codigos{1, 3}));
-  EXPECT_EQ(Aplicar(t, Regra01, "01", {"Genero:Rock", "21/11/2026"}).size(), 3u);  // another day
+  EXPECT_EQ(t.Aplicar(Regra01, "01", {"Genero:Rock"}), (Codigos{1, 3}));
+  EXPECT_EQ(t.Aplicar(Regra01, "01", {"Genero:Rock", "21/11/2026"}).size(), 3u);  // another day
   t.Tocadas({2});
-  EXPECT_EQ(Aplicar(t, Regra01, "01", {"Genero:Rock"}).size(), 3u);
+  EXPECT_EQ(t.Aplicar(Regra01, "01", {"Genero:Rock"}).size(), 3u);
 }
 
 TEST(Regra12, ContaOUltimoEOsQueDividemOValorSemSeremVizinhos) {
   EstadoTeste t;
   t.Musica(1, {{kArtista, "Ana"}}).Musica(2, {{kArtista, "Bia"}}).Musica(3, {{kArtista, "Caio"}})
       .Musica(4, {{kArtista, "Ana feat Caio"}});
-  auto R12 = [&](std::vector<std::string> vars) { return Aplicar(t, Regra12, "12", std::move(vars)); };
+  auto R12 = [&](std::vector<std::string> vars) { return t.Aplicar(Regra12, "12", std::move(vars)); };
   t.Tocadas({1, 1});
   EXPECT_EQ(R12({"2", "Artista:Geral*"}).size(), 4u);  // C = 1: position 0 is a filler, never counted
   t.Tocadas({3, 1, 2, 1});                             // ..., Caio, Ana, Bia, Ana
@@ -59,7 +51,7 @@ TEST(Regra12, ContaOUltimoEOsQueDividemOValorSemSeremVizinhos) {
 TEST(Regra34, RejeitaOTagEnquantoEstiverEntreAsUltimasX1) {
   EstadoTeste t;
   t.Musica(1, {{kGenero, "Rock;"}}).Musica(2, {{kGenero, "Pop;"}}).Musica(3, {{kGenero, "Jazz;Rock"}});
-  auto R34 = [&](std::vector<std::string> vars) { return Aplicar(t, Regra34, "34", std::move(vars)); };
+  auto R34 = [&](std::vector<std::string> vars) { return t.Aplicar(Regra34, "34", std::move(vars)); };
   t.Tocadas({1, 2, 2});
   EXPECT_EQ(R34({"3", "Genero:Rock"}), (Codigos{2}));
   EXPECT_EQ(R34({"2", "Genero:Rock"}).size(), 3u);
@@ -79,7 +71,7 @@ TEST(Regra02, NaoRepeteOValorDentroDasHorasESimSoRepete) {
       .Musica(4, {{kArtista, "Bia"}});
   t.TocadaEm(4, Dia(22, 4)).TocadaEm(1, Dia(22, 8));
   auto R02 = [&](std::vector<std::string> vars, double horas = 0) {
-    return Aplicar(t, [horas](Estado& e) { Regra02(e, horas); }, "02", std::move(vars));
+    return t.Aplicar([horas](Estado& e) { Regra02(e, horas); }, "02", std::move(vars));
   };
   EXPECT_EQ(R02({"Não", "Artista:Geral*", "3"}), (Codigos{3, 4}));
   EXPECT_EQ(R02({"Não", "Artista:Geral*", "6"}), (Codigos{3}));  // 360 minutes still count
@@ -112,7 +104,7 @@ TEST(Regra03, TrocaOuMantemNoCliqueOuDesdeEle) {
   t.Musica(1, {{kGenero, "Rock"}}).Musica(2, {{kGenero, "Pop"}}).Musica(3, {{kGenero, "Jazz"}});
   auto R03 = [&](int16_t clique, std::vector<std::string> vars) {
     t->selecao.CliqueAtual = clique;
-    return Aplicar(t, Regra03, "03", std::move(vars));
+    return t.Aplicar(Regra03, "03", std::move(vars));
   };
   EXPECT_EQ(R03(1, {"1", "Sim", "Genero:Geral*", "Não"}).size(), 3u);  // no last song yet
   t.Tocadas({1});
@@ -135,7 +127,7 @@ TEST(Regra04, UmSorteioPorNotaDaDezAZeroEForaDaTabelaEncerraARegra) {
       EstadoTeste t(Dia(22, 10), semente);
       for (int n = 0; n <= 10; ++n) t.Musica(100 + n, {{kNota, std::to_string(n)}});
       t.Musica(206, {{kNota, "6,5"}}).Musica(300);  // 6,5 rounds to 6; no rating counts as 0
-      const Codigos mantidas = Aplicar(t, Regra04, "04", {std::to_string(x1)});
+      const Codigos mantidas = t.Aplicar(Regra04, "04", {std::to_string(x1)});
       AmbienteFixo gemeo(DataHora{}, semente);
       std::array<bool, 11> sim{};
       for (int j = 10; j >= 0; --j) sim[j] = Percentual(gemeo) <= chance[j];
@@ -150,11 +142,11 @@ TEST(Regra04, UmSorteioPorNotaDaDezAZeroEForaDaTabelaEncerraARegra) {
   EstadoTeste t;
   AmbienteFixo gemeo(DataHora{}, 1);
   t.Musica(1, {{kNota, "10,5"}}).Musica(2, {{kNota, "3"}});
-  Aplicar(t, Regra04, "04", {"10", "21/11/2026"});
+  t.Aplicar(Regra04, "04", {"10", "21/11/2026"});
   EXPECT_EQ(t.Amb().Aleatorio(), gemeo.Aleatorio());  // out of its period nothing is drawn
-  EXPECT_THROW(Aplicar(t, Regra04, "04", {"11"}), ErroExecucao);
+  EXPECT_THROW(t.Aplicar(Regra04, "04", {"11"}), ErroExecucao);
   t.Musica(3, {{kNota, "11"}});  // a rating past the table as well
-  EXPECT_THROW(Aplicar(t, Regra04, "04", {"10"}), ErroExecucao);
+  EXPECT_THROW(t.Aplicar(Regra04, "04", {"10"}), ErroExecucao);
 }
 
 TEST(Regra05, TocadasSaemENotasNoveEDezTemMeiaChance) {
@@ -167,13 +159,13 @@ TEST(Regra05, TocadasSaemENotasNoveEDezTemMeiaChance) {
     for (int32_t codigo : {1, 2, 4})  // slot order, and only the ratings exactly 9 and 10
       if (Percentual(gemeo) <= 50) esperadas.push_back(codigo);
     esperadas.push_back(5);
-    EXPECT_EQ(Aplicar(t, Regra05, "05", {}), esperadas) << "semente " << semente;
+    EXPECT_EQ(t.Aplicar(Regra05, "05", {}), esperadas) << "semente " << semente;
   }
 
   EstadoTeste t;
   AmbienteFixo gemeo(DataHora{}, 1);
   t.Musica(1, {{kNota, "10"}}).Musica(2).Musica(3).Tocadas({1, 2, 3});
-  EXPECT_TRUE(Aplicar(t, Regra05, "05", {}).empty());
+  EXPECT_TRUE(t.Aplicar(Regra05, "05", {}).empty());
   EXPECT_EQ(t.Amb().Aleatorio(), gemeo.Aleatorio());  // no survivor: no second chance
   EstadoTeste u;
   u.Musica(1).Musica(2).Musica(3);
@@ -181,9 +173,9 @@ TEST(Regra05, TocadasSaemENotasNoveEDezTemMeiaChance) {
     h.HistoricoCodigos[-500] = 1;
     h.HistoricoCodigos[-501] = 2;
   });
-  EXPECT_EQ(Aplicar(u, Regra05, "05", {}), (Codigos{2, 3}));
+  EXPECT_EQ(u.Aplicar(Regra05, "05", {}), (Codigos{2, 3}));
   u.Tocadas({3});
-  EXPECT_EQ(Aplicar(u, Regra05, "05", {}), (Codigos{2}));
+  EXPECT_EQ(u.Aplicar(Regra05, "05", {}), (Codigos{2}));
 }
 
 TEST(Regra06, MesmaHoraEmDiasRecentesSemPassarDaMeiaNoite) {
@@ -192,7 +184,7 @@ TEST(Regra06, MesmaHoraEmDiasRecentesSemPassarDaMeiaNoite) {
   t.TocadaEm(1, Dia(21, 6)).TocadaEm(2, Dia(21, 23)).TocadaEm(3, Dia(22, 6)).TocadaEm(4, Dia(19, 7));
   auto R06 = [&](DataHora agora, std::string dias) {
     t->selecao.DataHoraReferencia = agora;
-    return Aplicar(t, Regra06, "06", {dias, "2"});
+    return t.Aplicar(Regra06, "06", {dias, "2"});
   };
   EXPECT_EQ(R06(Dia(22, 7, 30), "3"), (Codigos{2, 3}));
   EXPECT_EQ(R06(Dia(22, 7, 30), "2"), (Codigos{2, 3, 4}));
@@ -207,18 +199,18 @@ TEST(Regra07, ChancePelaCorridaEComparacoesDiferentesNosDoisRamos) {
   EstadoTeste t;
   t.Musica(1, {{kGenero, "Rock"}}).Musica(2, {{kGenero, "Pop"}}).Musica(3, {{kGenero, "Pop;Rock"}})
       .Musica(4, {{kGenero, "Pop;Jazz"}});
-  EXPECT_EQ(Aplicar(t, Regra07, "07", {"Genero:Rock", "100"}).size(), 4u);  // nothing played
+  EXPECT_EQ(t.Aplicar(Regra07, "07", {"Genero:Rock", "100"}).size(), 4u);  // nothing played
   t.Tocadas({3, 3, 3, 3});  // position 0 never counts: a run of 3
-  EXPECT_EQ(Aplicar(t, Regra07, "07", {"Genero:Geral*", "0", "0", "100", "0"}), (Codigos{1, 2, 3}));
-  EXPECT_EQ(Aplicar(t, Regra07, "07", {"Genero:Geral*", "100", "100", "0", "100"}), (Codigos{4}));
+  EXPECT_EQ(t.Aplicar(Regra07, "07", {"Genero:Geral*", "0", "0", "100", "0"}), (Codigos{1, 2, 3}));
+  EXPECT_EQ(t.Aplicar(Regra07, "07", {"Genero:Geral*", "100", "100", "0", "100"}), (Codigos{4}));
   // The named value is compared without the "POP" exception, so Pop;Jazz shares Pop.
-  EXPECT_EQ(Aplicar(t, Regra07, "07", {"Genero:Pop", "0", "0", "100", "0"}), (Codigos{2, 3, 4}));
-  EXPECT_THROW(Aplicar(t, Regra07, "07", {"Cor:Geral*", "100"}), ErroExecucao);
+  EXPECT_EQ(t.Aplicar(Regra07, "07", {"Genero:Pop", "0", "0", "100", "0"}), (Codigos{2, 3, 4}));
+  EXPECT_THROW(t.Aplicar(Regra07, "07", {"Cor:Geral*", "100"}), ErroExecucao);
   t.Tocadas({2, 2, 2, 1});
-  EXPECT_EQ(Aplicar(t, Regra07, "07", {"Genero:Rock", "100", "0", "0", "0"}), (Codigos{1, 3}));
-  EXPECT_EQ(Aplicar(t, Regra07, "07", {"Genero:Pop", "100"}).size(), 4u);  // the last is not Pop
+  EXPECT_EQ(t.Aplicar(Regra07, "07", {"Genero:Rock", "100", "0", "0", "0"}), (Codigos{1, 3}));
+  EXPECT_EQ(t.Aplicar(Regra07, "07", {"Genero:Pop", "100"}).size(), 4u);  // the last is not Pop
   t.Tocadas({1, 1, 1});
-  EXPECT_EQ(Aplicar(t, Regra07, "07", {"Genero:Rock", "0", "0", "0", "100"}), (Codigos{1, 3}));
+  EXPECT_EQ(t.Aplicar(Regra07, "07", {"Genero:Rock", "0", "0", "0", "100"}), (Codigos{1, 3}));
 }
 
 TEST(Regra13, ContaDiasPosterioresADataDoComputador) {
@@ -227,40 +219,40 @@ TEST(Regra13, ContaDiasPosterioresADataDoComputador) {
   t.Musica(1).Musica(2).Musica(3).Musica(4);
   t.TocadaEm(2, Dia(20, 9)).TocadaEm(2, Dia(21, 9)).TocadaEm(4, Dia(24, 9)).TocadaEm(3, Dia(23, 9))
       .TocadaEm(4, Dia(23, 9)).TocadaEm(3, Dia(22, 8));
-  EXPECT_EQ(Aplicar(t, Regra13, "13", {"1"}), (Codigos{1, 2}));  // today's play of 3 is skipped
-  EXPECT_EQ(Aplicar(t, Regra13, "13", {"2"}), (Codigos{1, 2, 3}));  // 4 steps 23/11, then 24/11
-  EXPECT_EQ(Aplicar(t, Regra13, "13", {"3"}).size(), 4u);
-  EXPECT_TRUE(Aplicar(t, Regra13, "13", {"0"}).empty());
-  EXPECT_THROW(Aplicar(t, Regra13, "13", {"dois"}), ErroExecucao);
+  EXPECT_EQ(t.Aplicar(Regra13, "13", {"1"}), (Codigos{1, 2}));  // today's play of 3 is skipped
+  EXPECT_EQ(t.Aplicar(Regra13, "13", {"2"}), (Codigos{1, 2, 3}));  // 4 steps 23/11, then 24/11
+  EXPECT_EQ(t.Aplicar(Regra13, "13", {"3"}).size(), 4u);
+  EXPECT_TRUE(t.Aplicar(Regra13, "13", {"0"}).empty());
+  EXPECT_THROW(t.Aplicar(Regra13, "13", {"dois"}), ErroExecucao);
 
   // A play's day is its date text read back: year 26 reads as this century's today, so 23/11
   // then counts, and a three-digit year cannot be read at all.
   EstadoTeste u;
   u.Musica(5).Musica(6).TocadaEm(5, Dia(23, 9)).TocadaEm(5, MontarDataHora(26, 11, 22, 10, 0, 0));
-  EXPECT_EQ(Aplicar(u, Regra13, "13", {"1"}), (Codigos{6}));
+  EXPECT_EQ(u.Aplicar(Regra13, "13", {"1"}), (Codigos{6}));
   u.TocadaEm(6, MontarDataHora(500, 1, 1, 0, 0, 0));
-  EXPECT_THROW(Aplicar(u, Regra13, "13", {"1"}), ErroExecucao);
+  EXPECT_THROW(u.Aplicar(Regra13, "13", {"1"}), ErroExecucao);
 }
 
 TEST(Regra26, VariacaoMaximaDoValorDeRitmoDaUltima) {
   EstadoTeste t;
   t.Musica(1, {{kRitmo, "Rápida;"}, {kNota, "Normal;"}}).Musica(2, {{kRitmo, "Rápida;Normal;"}})
       .Musica(3, {{kRitmo, "Normal;"}, {kNota, "5"}});
-  EXPECT_EQ(Aplicar(t, Regra26, "26", {"1", "0"}).size(), 3u);  // nothing played
+  EXPECT_EQ(t.Aplicar(Regra26, "26", {"1", "0"}).size(), 3u);  // nothing played
   t.Tocadas({1});
-  EXPECT_EQ(Aplicar(t, Regra26, "26", {"1", "2"}), (Codigos{1, 2}));
-  EXPECT_EQ(Aplicar(t, Regra26, "26", {"1", "0"}), (Codigos{1}));
-  EXPECT_EQ(Aplicar(t, Regra26, "26", {"2", "0"}), (Codigos{1, 3}));  // "Normal;" as a Nota is 5
-  EXPECT_EQ(Aplicar(t, Regra26, "26", {"1,5", "0"}).size(), 3u);
+  EXPECT_EQ(t.Aplicar(Regra26, "26", {"1", "2"}), (Codigos{1, 2}));
+  EXPECT_EQ(t.Aplicar(Regra26, "26", {"1", "0"}), (Codigos{1}));
+  EXPECT_EQ(t.Aplicar(Regra26, "26", {"2", "0"}), (Codigos{1, 3}));  // "Normal;" as a Nota is 5
+  EXPECT_EQ(t.Aplicar(Regra26, "26", {"1,5", "0"}).size(), 3u);
 }
 
 TEST(IndiceHistorico, HistoricoAlemDaUltimaPosicaoEncerraARegra) {
   EstadoTeste t;
   t.Musica(1).Musica(2);
   t->SubstituirHistorico([](Historico& h) { h.TotalTocadas = 4002; });
-  EXPECT_THROW(Aplicar(t, Regra05, "05", {}), ErroExecucao);
-  EXPECT_THROW(Aplicar(t, Regra06, "06", {"1", "1"}), ErroExecucao);
-  EXPECT_THROW(Aplicar(t, Regra13, "13", {"1"}), ErroExecucao);
+  EXPECT_THROW(t.Aplicar(Regra05, "05", {}), ErroExecucao);
+  EXPECT_THROW(t.Aplicar(Regra06, "06", {"1", "1"}), ErroExecucao);
+  EXPECT_THROW(t.Aplicar(Regra13, "13", {"1"}), ErroExecucao);
 }
 
 bool Vigente(EstadoTeste& t, int h, int m, int s, const char16_t* d, const char16_t* ini, const char16_t* fim) {
@@ -282,22 +274,6 @@ TEST(VerificarVigencia, DataEHorarioComBordasInclusivasSemVirarMeiaNoite) {
   EXPECT_FALSE(Vigente(t, 23, 0, 0, u"", u"22:00", u"02:00"));  // 22:00 > 02:00: never in force
   EXPECT_THROW(Vigente(t, 10, 0, 0, u"amanhã", u"", u""), ErroExecucao);
   EXPECT_THROW(Vigente(t, 10, 0, 0, u"", u"23:00", u"meio-dia"), ErroExecucao);  // both ends converted
-}
-
-TEST(LocalizarMusica, PrimeiroSlotEQuatroMilParaAusente) {
-  EstadoTeste t;
-  t.Musica(55).Musica(66).Musica(55);
-  EXPECT_EQ(LocalizarMusica(t.E(), 55), 0);
-  EXPECT_EQ(LocalizarMusica(t.E(), 66), 1);
-  EXPECT_EQ(LocalizarMusica(t.E(), 77), kSlotAusente);
-  // A stale slot past the collection still counts, and code 0 fills every unused slot.
-  t->CarregarAcervo([](Acervo& a) { a.AcervoCodigos[4000] = 77; });
-  EXPECT_EQ(LocalizarMusica(t.E(), 77), 4000);
-  EXPECT_EQ(LocalizarMusica(t.E(), 0), 3);
-  t.Tocadas({66});
-  EXPECT_EQ(LocalizarMusicaTocada(t.E(), 0), 1);
-  EXPECT_EQ(LocalizarMusicaTocada(t.E(), -1), 3);  // an empty database slot holds code 0
-  EXPECT_THROW(LocalizarMusicaTocada(t.E(), -4001), ErroExecucao);
 }
 
 TEST(MinutosDesdeTocada, DaTocadaAteAReferenciaDasRegras) {

@@ -43,6 +43,11 @@ TEST(Estado, LocalizarMusicaSegueCadaCargaDoAcervo) {
   EXPECT_EQ(e->LocalizarMusica(20), 1);
   EXPECT_EQ(e->LocalizarMusica(10), 0);  // a repeated code: the first slot wins
   EXPECT_EQ(e->LocalizarMusica(30), kSlotAusente);
+  EXPECT_EQ(e->LocalizarMusica(0), 3);  // code 0 fills every unused slot
+  e->AdicionarTocada(20, DataHora{});
+  EXPECT_EQ(LocalizarMusicaTocada(*e, 0), 1);
+  EXPECT_EQ(LocalizarMusicaTocada(*e, -1), 3);  // an empty database position holds code 0
+  EXPECT_THROW(LocalizarMusicaTocada(*e, -4001), ErroExecucao);
 
   Codigos(*e, {30, 20});
   EXPECT_EQ(e->LocalizarMusica(30), 0);

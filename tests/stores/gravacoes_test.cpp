@@ -147,11 +147,5 @@ TEST(PastaGravacoes, VariaveisDoUsuarioEDoServico) {
   Com(nullptr, nullptr, nullptr, home ? homeAntes.c_str() : nullptr);
 }
 
-// The identity is the program's own build ID: present, and the same at every call.
-TEST(PastaGravacoes, IdentidadeDoPrograma) {
-  EXPECT_GE(IdentidadeDoPrograma().size(), 8u);
-  EXPECT_EQ(&IdentidadeDoPrograma(), &IdentidadeDoPrograma());
-}
-
 }  // namespace
 }  // namespace lumavox

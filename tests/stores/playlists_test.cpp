@@ -53,13 +53,8 @@ TEST_F(LerPlaylists, HorarioEscolheAUltimaFaixaQueContemOInstante) {
   Abrir("08:00:00 12:00:00 manha\n"
         "22:00:00 02:00:00 madrugada\n"   // crosses midnight: never matches
         "10:00:00 11:00:00 destaque\n");
-  EXPECT_EQ(As(7, 59, 59), 0);
-  EXPECT_EQ(As(8, 0), 1);
-  EXPECT_EQ(As(10, 0), 3);
-  EXPECT_EQ(As(11, 0), 3);
-  EXPECT_EQ(As(11, 0, 1), 1);
-  EXPECT_EQ(As(12, 0, 1), 0);
-  EXPECT_EQ(As(23, 0), 0);
+  const int casos[][4] = {{7, 59, 59, 0}, {8, 0, 0, 1}, {10, 0, 0, 3}, {11, 0, 0, 3}, {11, 0, 1, 1}, {12, 0, 1, 0}, {23, 0, 0, 0}};
+  for (const auto& [hora, minuto, segundo, playlist] : casos) EXPECT_EQ(As(hora, minuto, segundo), playlist) << hora << ":" << minuto;
 }
 
 }  // namespace
