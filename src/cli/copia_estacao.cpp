@@ -19,9 +19,7 @@ fs::path PastaTemporaria() {
 }
 
 // The log databases, which their libraries open by name.
-bool Banco(const std::string& nome) {
-  return nome.rfind("lumavox.db", 0) == 0 || fs::path(nome).extension() == ".mdb";
-}
+bool Banco(std::string_view nome) { return nome.starts_with("lumavox.db") || nome.ends_with(".mdb"); }
 
 bool Copiavel(const std::string& nome) {
   // The player's exchange files and the debug trace belong to the live station.
@@ -99,7 +97,7 @@ SistemaArquivos& CopiaDaEstacao::Onde(const fs::path& caminho) noexcept {
     if (normal != pasta_ && !normal.native().starts_with(prefixo_)) return real_;
   }
   const size_t barra = s.rfind('/');
-  return Banco(s.substr(barra + 1)) ? static_cast<SistemaArquivos&>(real_) : memoria_;
+  return Banco(std::string_view(s).substr(barra + 1)) ? static_cast<SistemaArquivos&>(real_) : memoria_;
 }
 
 bool CopiaDaEstacao::PastaMre(std::string_view pasta) const {

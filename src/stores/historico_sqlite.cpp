@@ -64,6 +64,8 @@ class CursorSqlite : public CursorLogs {
   bool dono_;
 };
 
+constexpr const char* kSqlEsquema = "SELECT count(*) FROM sqlite_master";
+
 const char* SqlDa(ConsultaLogs consulta) {
   return consulta == ConsultaLogs::Tocadas ? kSqlTocadas : consulta == ConsultaLogs::Tipo4 ? kSqlTipo4 : kSqlTipo5;
 }
@@ -109,10 +111,10 @@ void FonteLogsSqlite::Abrir() {
   // The same file still open is read again through the same connection, once its schema still
   // reads, as opening it would check.
   if (db_ && manterAberta_ && identidade_ && Identidade(arquivo_) == identidade_ &&
-      sqlite3_exec(db_, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr) == SQLITE_OK)
+      sqlite3_exec(db_, kSqlEsquema, nullptr, nullptr, nullptr) == SQLITE_OK)
     return;
   Fechar();
-  identidade_ = Identidade(arquivo_);
+  if (manterAberta_) identidade_ = Identidade(arquivo_);
   const std::string caminho = arquivo_.string();
   std::string nome = caminho;
   // One thread reads through each connection, so SQLite need not lock it at every call.
@@ -140,8 +142,7 @@ void FonteLogsSqlite::Abrir() {
   sqlite3_busy_timeout(db_, kEsperaBloqueioMs);
   // The file is only looked at on first use: reading the schema now tells a garbage file or a
   // database a writer holds locked from a good one, before any table is touched.
-  if (sqlite3_exec(db_, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr) !=
-      SQLITE_OK) {
+  if (sqlite3_exec(db_, kSqlEsquema, nullptr, nullptr, nullptr) != SQLITE_OK) {
     std::string causa = "opening " + caminho + ": " + sqlite3_errmsg(db_);
     sqlite3_close(db_);
     db_ = nullptr;
