@@ -26,9 +26,11 @@ void Regra04(Estado& e) {
   for (long j = 10; j >= 0; --j) permitida[j] = SortearPercentual(e) <= chance[j];
 
   Selecao& sel = e.selecao;
+  // Each song's rating as a number, read from the tag table once per version of it.
+  const std::vector<double>& notas = e.cacheTags.Valores(kCampoNota, e.acervo().AcervoTags);
   for (long i = 0; i <= UltimoSlotDosLacos(e); ++i) {
     if (!sel.MusicaCandidata[i]) continue;
-    const long nota = ParaInteiro16(ValorNumerico(e.acervo().AcervoTags(i, kCampoNota)));
+    const long nota = ParaInteiro16(notas[static_cast<size_t>(i)]);
     if (!permitida[nota]) sel.MusicaMantida[i] = false;
   }
 }

@@ -144,6 +144,7 @@ void CacheTags::Limpar() {
   numeros_.clear();
   ++geracaoNumeros_;
   for (auto& n : numerados_) n.reset();
+  for (auto& v : valores_) v.reset();
   for (MapaTextos& m : textos_) m.clear();
   for (FiltroPreparado& f : filtros_) f = FiltroPreparado();
   ultimoFiltro_ = proximoFiltro_ = 0;
@@ -209,6 +210,17 @@ const CacheTags::NumerosCampo& CacheTags::Numerados(int16_t campo, const TagsAce
   n->versaoTags = tags.Versao();
   n->geracao = geracaoNumeros_;
   return *n;
+}
+
+const std::vector<double>& CacheTags::Valores(int16_t campo, const TagsAcervo& tags) {
+  if (campo < 0 || campo >= kCampos) static_cast<void>(tags(0, campo));  // raises the table's own error
+  std::unique_ptr<ValoresCampo>& v = valores_[static_cast<size_t>(campo)];
+  if (v && v->versaoTags == tags.Versao()) return v->valor;
+  if (!v) v = std::make_unique<ValoresCampo>();
+  v->valor.resize(static_cast<size_t>(kSlots));
+  for (long s = 0; s < kSlots; ++s) v->valor[static_cast<size_t>(s)] = ValorNumerico(tags(s, campo));
+  v->versaoTags = tags.Versao();
+  return v->valor;
 }
 
 void CacheTags::ReiniciarNumeracaoSeGrande() {

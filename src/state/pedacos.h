@@ -120,6 +120,9 @@ class CacheTags {
     uint64_t geracao = 0;
   };
   const NumerosCampo& Numerados(int16_t campo, const TagsAcervo& tags);
+  // ValorNumerico of every slot's text of one field, for rules that read a number of each song
+  // at every selection; rebuilt when the table changed. Valid until the next call.
+  const std::vector<double>& Valores(int16_t campo, const TagsAcervo& tags);
   // Keeps a long-running engine whose tags keep changing from growing the numbering forever;
   // called where no numbers are held.
   void ReiniciarNumeracaoSeGrande();
@@ -154,6 +157,11 @@ class CacheTags {
   std::unordered_map<Texto, int32_t, HashTexto, std::equal_to<>> numeros_;
   uint64_t geracaoNumeros_ = 1;  // changes whenever the numbering is emptied
   std::array<std::unique_ptr<NumerosCampo>, kCampos> numerados_;
+  struct ValoresCampo {
+    std::vector<double> valor;
+    uint64_t versaoTags = 0;
+  };
+  std::array<std::unique_ptr<ValoresCampo>, kCampos> valores_;
   std::array<MapaTextos, kTiposDivisao> textos_;
   std::array<FiltroPreparado, kFiltros> filtros_;
   size_t ultimoFiltro_ = 0;

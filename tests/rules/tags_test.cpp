@@ -148,6 +148,11 @@ TEST_F(Tags, CacheAcompanhaTagsReescritas) {
   EXPECT_TRUE(ConferirTag(*e, u"Genero:Rock", 0));
   Tag(0, kGenero, u"Punk");
   EXPECT_FALSE(ConferirTag(*e, u"Genero:Rock", 0));
+  auto Nota = [&] { return e->cacheTags.Valores(kNota, e->acervo().AcervoTags)[2]; };
+  Tag(2, kNota, u"7");
+  EXPECT_EQ(Nota(), 7);
+  Tag(2, kNota, u" 3,5");
+  EXPECT_EQ(Nota(), 3.5);
 
   const TagsAcervo antes = e->acervo().AcervoTags;
   Tag(0, kGenero, u"Rock");
