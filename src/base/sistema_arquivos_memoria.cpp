@@ -9,9 +9,11 @@ namespace lumavox {
 
 namespace {
 
-// The path as the folders are kept: lexically normal, without a final separator. The paths the
-// engine builds are already so and are taken as they are, sparing a normalisation per call.
-std::string Normal(const fs::path& p) {
+}  // namespace
+
+// The paths the engine builds are already normal and are taken as they are, sparing a
+// normalisation per call.
+std::string CaminhoNormal(const fs::path& p) {
   const std::string& s = p.native();
   bool simples = !s.empty() && s.front() != '.';
   for (size_t i = 0; simples && i < s.size(); ++i) {
@@ -31,6 +33,10 @@ std::string Normal(const fs::path& p) {
   while (n.size() > 1 && n.back() == '/') n.pop_back();
   return n;
 }
+
+namespace {
+
+std::string Normal(const fs::path& p) { return CaminhoNormal(p); }
 
 // The folder and the name of a normal path; the name is empty for the root.
 std::pair<std::string_view, std::string_view> Dividir(std::string_view s) {

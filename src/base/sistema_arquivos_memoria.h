@@ -14,6 +14,10 @@
 
 namespace lumavox {
 
+// The path as the memory keeps it: lexically normal, without a final separator ("a//b/./c/"
+// and "a/b/c" are one file).
+std::string CaminhoNormal(const fs::path& caminho);
+
 class SistemaArquivosMemoria final : public SistemaArquivos {
  public:
   std::string LerBytes(const fs::path& caminho) override;

@@ -77,8 +77,8 @@ void CopiaDaEstacao::Copiar(const fs::path& de, const fs::path& para, bool raiz)
         // A collection with a version is usually loaded from its record, never read: its
         // megabytes are brought from the station only if the engine asks for them.
         memoria_.Guardar(para / nome, std::string());
-        versoes_[(para / nome).native()] = *versao;
-        adiados_.emplace((para / nome).native(), p);
+        versoes_[CaminhoNormal(para / nome)] = *versao;
+        adiados_.emplace(CaminhoNormal(para / nome), p);
       } else {
         memoria_.Guardar(para / nome, real_.LerBytes(p));
       }
@@ -113,7 +113,7 @@ bool CopiaDaEstacao::Midia(const fs::path& caminho) const {
 
 void CopiaDaEstacao::Trazer(const fs::path& c) {
   if (adiados_.empty()) return;
-  auto it = adiados_.find(c.native());
+  auto it = adiados_.find(CaminhoNormal(c));
   if (it == adiados_.end()) return;
   const fs::path estacao = std::move(it->second);
   adiados_.erase(it);
@@ -123,14 +123,16 @@ void CopiaDaEstacao::Trazer(const fs::path& c) {
   } catch (const ErroExecucao&) {
   }
   // Changed since the copy began: the copy holds it as it is now, and no record answers for it.
-  if (auto v = versoes_.find(c.native()); v != versoes_.end() && real_.Versao(estacao) != v->second) versoes_.erase(v);
+  if (auto v = versoes_.find(CaminhoNormal(c)); v != versoes_.end() && real_.Versao(estacao) != v->second)
+    versoes_.erase(v);
   memoria_.Guardar(c, std::move(bytes));
 }
 
 void CopiaDaEstacao::Esquecer(const fs::path& c) noexcept {
   if (versoes_.empty()) return;
-  adiados_.erase(c.native());
-  versoes_.erase(c.native());
+  const std::string chave = CaminhoNormal(c);
+  adiados_.erase(chave);
+  versoes_.erase(chave);
 }
 
 std::string CopiaDaEstacao::LerBytes(const fs::path& c) {
@@ -184,7 +186,8 @@ std::vector<std::string> CopiaDaEstacao::ListarNomes(const fs::path& pasta, std:
 
 std::optional<VersaoArquivo> CopiaDaEstacao::Versao(const fs::path& c) noexcept {
   if (PastaMre(c.native())) return versaoMre_;
-  if (auto it = versoes_.find(c.native()); it != versoes_.end()) return it->second;
+  if (!versoes_.empty())
+    if (auto it = versoes_.find(CaminhoNormal(c)); it != versoes_.end()) return it->second;
   return Onde(c).Versao(c);
 }
 

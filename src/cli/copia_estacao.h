@@ -62,8 +62,9 @@ class CopiaDaEstacao final : public SistemaArquivos {
   std::string prefixo_;  // the copy's folder and a separator
   std::unordered_set<std::string> midias_;
   std::optional<VersaoArquivo> versaoMre_;
-  std::unordered_map<std::string, VersaoArquivo> versoes_;  // by the copy's path
-  std::unordered_map<std::string, fs::path> adiados_;  // copy's path -> the station's file
+  // By the copy's path, written as CaminhoNormal writes it.
+  std::unordered_map<std::string, VersaoArquivo> versoes_;
+  std::unordered_map<std::string, fs::path> adiados_;  // -> the station's file
 };
 
 }  // namespace lumavox::cli
