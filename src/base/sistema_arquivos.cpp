@@ -133,10 +133,15 @@ std::vector<std::string> SistemaArquivosReal::ListarNomes(const fs::path& pasta,
   return nomes;
 }
 
-std::vector<fs::path> SistemaArquivosReal::Listar(const fs::path& pasta, std::string_view terminacao) {
+std::vector<fs::path> SistemaArquivos::NaPasta(const fs::path& pasta, const std::vector<std::string>& nomes) {
   std::vector<fs::path> arquivos;
-  for (const std::string& nome : ListarNomes(pasta, terminacao)) arquivos.push_back(pasta / nome);
+  arquivos.reserve(nomes.size());
+  for (const std::string& nome : nomes) arquivos.push_back(pasta / nome);
   return arquivos;
+}
+
+std::vector<fs::path> SistemaArquivosReal::Listar(const fs::path& pasta, std::string_view terminacao) {
+  return NaPasta(pasta, ListarNomes(pasta, terminacao));
 }
 
 bool SistemaArquivosReal::CriarPastas(const fs::path& pasta) noexcept {

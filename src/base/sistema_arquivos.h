@@ -65,6 +65,10 @@ class SistemaArquivos {
   // the same tick of the file system's clock could leave every time unchanged. Callers read
   // the file again whenever this is nothing or differs.
   virtual std::optional<VersaoArquivo> Versao(const fs::path&) noexcept { return std::nullopt; }
+
+ protected:
+  // The paths of `nomes` in `pasta`: Listar for file systems that list names first.
+  static std::vector<fs::path> NaPasta(const fs::path& pasta, const std::vector<std::string>& nomes);
 };
 
 // The machine's own file system.

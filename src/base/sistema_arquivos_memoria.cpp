@@ -142,9 +142,7 @@ std::vector<std::string> SistemaArquivosMemoria::ListarNomes(const fs::path& pas
 }
 
 std::vector<fs::path> SistemaArquivosMemoria::Listar(const fs::path& pasta, std::string_view terminacao) {
-  std::vector<fs::path> arquivos;
-  for (const std::string& nome : ListarNomes(pasta, terminacao)) arquivos.push_back(pasta / nome);
-  return arquivos;
+  return NaPasta(pasta, ListarNomes(pasta, terminacao));
 }
 
 bool SistemaArquivosMemoria::CriarPastas(const fs::path& pasta) noexcept {

@@ -171,9 +171,7 @@ std::optional<MarcaArquivo> CopiaDaEstacao::Marca(const fs::path& c) noexcept {
 
 std::vector<fs::path> CopiaDaEstacao::Listar(const fs::path& pasta, std::string_view terminacao) {
   if (!PastaMre(pasta.native())) return Onde(pasta).Listar(pasta, terminacao);
-  std::vector<fs::path> arquivos;
-  for (const std::string& nome : ListarNomes(pasta, terminacao)) arquivos.push_back(mre_ / nome);
-  return arquivos;
+  return NaPasta(mre_, ListarNomes(pasta, terminacao));
 }
 
 std::vector<std::string> CopiaDaEstacao::ListarNomes(const fs::path& pasta, std::string_view terminacao) {
