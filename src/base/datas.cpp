@@ -43,9 +43,25 @@ int Inteiro(std::u16string_view d) {
   return v;
 }
 
+// Years 100 to 9999 of the Gregorian calendar, as the station's dates always were.
 bool DataValida(int a, int m, int d) {
-  if (a < 100 || a > 9999) return false;
-  return year_month_day{year{a} / month{static_cast<unsigned>(m)} / day{static_cast<unsigned>(d)}}.ok();
+  static constexpr int kDiasNoMes[13] = {0, 31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  if (a < 100 || a > 9999 || m < 1 || m > 12 || d < 1) return false;
+  const bool bissexto = a % 4 == 0 && (a % 100 != 0 || a % 400 == 0);
+  return d <= kDiasNoMes[m] + (m == 2 && bissexto);
+}
+
+// Days from the day zero 30/12/1899 to a valid date, by whole 400-year eras (the calendar
+// repeats every 146097 days), without the calendar types: every date of every history load
+// comes through here.
+int64_t DiasDesdeODiaZero(int a, int m, int d) {
+  const int anoMarco = m <= 2 ? a - 1 : a;  // years counted from March, so February ends them
+  const int era = anoMarco / 400;
+  const int anoDaEra = anoMarco - era * 400;
+  const int diaDoAno = (153 * (m > 2 ? m - 3 : m + 9) + 2) / 5 + d - 1;
+  const int diaDaEra = anoDaEra * 365 + anoDaEra / 4 - anoDaEra / 100 + diaDoAno;
+  // 693899 days from 0000-03-01 to the day zero.
+  return static_cast<int64_t>(era) * 146097 + diaDaEra - 693899;
 }
 
 std::optional<int64_t> ParteData(std::u16string_view t) {
@@ -65,8 +81,7 @@ std::optional<int64_t> ParteData(std::u16string_view t) {
     return std::nullopt;
   }
   if (p.numeros[0].size() > 4 || !DataValida(a, m, d)) return std::nullopt;
-  auto dias = (sys_days{year{a} / month{static_cast<unsigned>(m)} / day{static_cast<unsigned>(d)}} - kDiaZero).count();
-  return static_cast<int64_t>(dias) * kSegundosPorDia;
+  return DiasDesdeODiaZero(a, m, d) * kSegundosPorDia;
 }
 
 std::optional<int64_t> ParteHora(std::u16string_view t) {
@@ -124,21 +139,9 @@ std::optional<std::optional<DataHora>> DataHoraIso(std::basic_string_view<Char> 
     }
     v[k] = n;
   }
-  const int a = v[0], m = v[1], d = v[2];
-  if (a < 100 || m < 1 || m > 12 || d < 1 || v[3] > 23 || v[4] > 59 || v[5] > 59) return std::optional<DataHora>();
-  static constexpr int kDiasNoMes[13] = {0, 31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-  const bool bissexto = a % 4 == 0 && (a % 100 != 0 || a % 400 == 0);
-  if (d > kDiasNoMes[m] + (m == 2 && bissexto)) return std::optional<DataHora>();
-  // Days from the civil date by whole 400-year eras (the calendar repeats every 146097 days),
-  // without going through the calendar types for each of thousands of log rows.
-  const int anoMarco = m <= 2 ? a - 1 : a;  // years counted from March, so February ends them
-  const int era = anoMarco / 400;
-  const int anoDaEra = anoMarco - era * 400;
-  const int diaDoAno = (153 * (m > 2 ? m - 3 : m + 9) + 2) / 5 + d - 1;
-  const int diaDaEra = anoDaEra * 365 + anoDaEra / 4 - anoDaEra / 100 + diaDoAno;
-  // 693899 days from 0000-03-01 to the day zero 30/12/1899.
-  const int64_t dias = static_cast<int64_t>(era) * 146097 + diaDaEra - 693899;
-  return std::optional<DataHora>(DataHora{dias * kSegundosPorDia + v[3] * 3600 + v[4] * 60 + v[5]});
+  if (!DataValida(v[0], v[1], v[2]) || v[3] > 23 || v[4] > 59 || v[5] > 59) return std::optional<DataHora>();
+  return std::optional<DataHora>(
+      DataHora{DiasDesdeODiaZero(v[0], v[1], v[2]) * kSegundosPorDia + v[3] * 3600 + v[4] * 60 + v[5]});
 }
 
 }  // namespace

@@ -38,12 +38,15 @@ TEST(ConverterDataHora, FormaDoGravadorLidaComoPelaLeituraGeral) {
   // Straight from the bytes only the writer's form is read; the general reading takes the rest.
   EXPECT_FALSE(DataHoraIsoDeBytes(" 2026-11-22 10:00:00"));
   EXPECT_FALSE(DataHoraIsoDeBytes("22/11/2026 10:00:00"));
-  // Every day of years around century and leap-day edges, at a time of day that moves.
+  // Every day of years around century and leap-day edges, at a time of day that moves, against
+  // the calendar types' own count.
   for (int ano : {100, 399, 400, 1899, 1900, 2000, 2024, 2100, 9999})
     for (int64_t dia = MontarDataHora(ano, 1, 1).segundos; dia <= MontarDataHora(ano, 12, 31).segundos;
          dia += kSegundosPorDia) {
-      const std::string iso = FormatarIso({dia + dia / kSegundosPorDia % 86400});
-      ASSERT_EQ(DataHoraIsoDeBytes(iso), ConverterDataHora(u" " + DeUtf8(iso))) << iso;
+      const DataHora d{dia + (dia / kSegundosPorDia % 86400 + 86400) % 86400};
+      const std::string iso = FormatarIso(d);
+      ASSERT_EQ(DataHoraIsoDeBytes(iso), d) << iso;
+      ASSERT_EQ(ConverterDataHora(u" " + DeUtf8(iso)), d) << iso;
     }
   EXPECT_EQ(FormatarIso(*ConverterDataHora(u"2028-02-29 23:59:59")), "2028-02-29 23:59:59");
   EXPECT_FALSE(ConverterDataHora(u"2026-02-29 10:00:00"));
