@@ -1,5 +1,6 @@
 #include "cli/demo.h"
 
+#include <algorithm>
 #include <array>
 #include <fstream>
 #include <memory>
@@ -71,8 +72,10 @@ std::string Generos(Sorteio& s) {
   return g;
 }
 
-std::array<std::string, 32> TagsDaMusica(Sorteio& s, int n) {
-  std::array<std::string, 32> t{};
+constexpr size_t kTagsPorMusica = 32;
+
+std::array<std::string, kTagsPorMusica> TagsDaMusica(Sorteio& s, int n) {
+  std::array<std::string, kTagsPorMusica> t{};
   const int duracao = s.Entre(140, 330);
   t[0] = Artista(s);
   t[1] = "Álbum " + s.De(kPalavrasTitulo) + " " + std::to_string(s.Entre(1, 9));
@@ -202,19 +205,17 @@ void GerarEstacaoDemo(const fs::path& pasta, const OpcoesDemo& op) {
   fs::create_directories(pasta / "list");
   Sorteio s(op.semente);
 
-  std::vector<std::string> linhas, linhasNoite;
+  std::vector<std::string> linhas;
+  std::vector<int> calmas, outras;
+  constexpr size_t kLinhasPorMusica = 1 + kTagsPorMusica;  // the code, then the tags
   std::vector<char> bytes(static_cast<size_t>(op.bytesMre));
   for (int n = 0; n < op.musicas; ++n) {
     const int codigo = 1000 + n * 7;
     const auto tags = TagsDaMusica(s, n);
-    std::vector<std::string>& destino = linhas;
-    destino.push_back(std::to_string(codigo));
-    destino.insert(destino.end(), tags.begin(), tags.end());
-    // The calm songs also make the night playlist.
-    if (tags[24].rfind("Calmo", 0) == 0 || tags[18].rfind("Lenta", 0) == 0) {
-      linhasNoite.push_back(std::to_string(codigo));
-      linhasNoite.insert(linhasNoite.end(), tags.begin(), tags.end());
-    }
+    linhas.push_back(std::to_string(codigo));
+    linhas.insert(linhas.end(), tags.begin(), tags.end());
+    const bool calma = tags[24].rfind("Calmo", 0) == 0 || tags[18].rfind("Lenta", 0) == 0;
+    (calma ? calmas : outras).push_back(n);
     for (char& b : bytes) b = static_cast<char>(s.Entre(0, 255));
     EscreverBytes(pasta / "mre" / NomeArquivoMusica(codigo), std::string_view(bytes.data(), bytes.size()));
   }
@@ -229,6 +230,17 @@ void GerarEstacaoDemo(const fs::path& pasta, const OpcoesDemo& op) {
   }
 
   if (op.playlistNoturna) {
+    // The calm songs make the night playlist, topped up with others to the engine's minimum: a
+    // smaller playlist would leave a small demo silent all night.
+    std::vector<int> daNoite = calmas;
+    for (size_t i = 0; daNoite.size() < static_cast<size_t>(kMinimoMusicas) && i < outras.size(); ++i)
+      daNoite.push_back(outras[i]);
+    std::sort(daNoite.begin(), daNoite.end());
+    std::vector<std::string> linhasNoite;
+    for (const int n : daNoite) {
+      const auto primeira = linhas.begin() + static_cast<std::ptrdiff_t>(static_cast<size_t>(n) * kLinhasPorMusica);
+      linhasNoite.insert(linhasNoite.end(), primeira, primeira + static_cast<std::ptrdiff_t>(kLinhasPorMusica));
+    }
     const fs::path noite = pasta / "madrugada";
     fs::create_directories(noite);
     GravarLinhasCodificadas(noite / "lxdb.rdb", linhasNoite);
