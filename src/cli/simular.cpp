@@ -16,7 +16,6 @@
 #include <unordered_set>
 
 #include "base/arquivos.h"
-#include "base/numeros.h"
 #include "base/sistema_arquivos.h"
 #include "cli/copia_estacao.h"
 #include "cli/curva_nivel.h"
@@ -156,6 +155,8 @@ struct Periodo {
   int avancar = 0;
   std::optional<CurvaNivel> curva;
   int nivelFixo = 50;
+  // The station's ritmo.rer, handed to the copy as it is and read by the engine as on air.
+  std::optional<std::string> ritmoDaEstacao;
   std::string origemNivel;
 };
 
@@ -205,8 +206,10 @@ std::optional<Rodada> RodarSimulacao(Contexto& ctx, const fs::path& estacao, con
   ambiente.UsarArquivos(*copia);
   TocadorSimulado tocador(pasta, *copia, true);
   int nivel = NivelEm(p.inicio);
-  tocador.DefinirNivel(nivel);
-  sim.niveis.emplace_back(p.inicio, nivel);
+  if (p.ritmoDaEstacao)
+    copia->EscreverBytes(pasta / "ritmo.rer", *p.ritmoDaEstacao);
+  else
+    tocador.DefinirNivel(nivel);
   auto motor = std::make_unique<Motor>(pasta, ambiente);
   InstalarHistorico(*motor, true);
   motor->Iniciar();
@@ -271,6 +274,11 @@ std::optional<Rodada> RodarSimulacao(Contexto& ctx, const fs::path& estacao, con
 
   Progresso progresso(ctx.erros, rotulo);
   Rodar();
+  if (p.ritmoDaEstacao) {
+    nivel = e.execucao.NivelAtual;
+    sim.origemNivel = "fixo em " + std::to_string(nivel) + " (ritmo.rer da estação)";
+  }
+  sim.niveis.emplace_back(p.inicio, nivel);
   int ociosas = 0;
   while (ambiente.Agora() < sim.fim) {
     if (g_interromper) return Falhar("simulação interrompida", 130);
@@ -364,11 +372,14 @@ void ExecutarSimular(Contexto& ctx, const OpcoesSimular& op) {
     p.origemNivel = "fixo em " + std::to_string(p.nivelFixo);
   } else if (p.curva) {
     p.origemNivel = "curva " + fs::path(op.curva).filename().string();
-  } else if (auto linha = LerPrimeiraLinha(ArquivosReais(), estacao / "ritmo.rer")) {
-    p.nivelFixo = std::clamp(static_cast<int>(ArredondarPar(ValorNumerico(*linha))), 0, 100);
-    p.origemNivel = "fixo em " + std::to_string(p.nivelFixo) + " (ritmo.rer da estação)";
   } else {
-    p.origemNivel = "fixo em 50 (a estação não tem ritmo.rer)";
+    // The file may go between the two reads: the player rewrites it whenever the level moves.
+    try {
+      if (LerPrimeiraLinha(ArquivosReais(), estacao / "ritmo.rer"))
+        p.ritmoDaEstacao = ArquivosReais().LerBytes(estacao / "ritmo.rer");
+    } catch (const std::exception&) {
+    }
+    if (!p.ritmoDaEstacao) p.origemNivel = "fixo em 50 (a estação não tem ritmo.rer)";
   }
 
   InterrupcaoLimpa interrupcao;

@@ -84,6 +84,27 @@ TEST(Simular, MeiaHoraSemRepetirArtistaEOutrasRegrasNoMesmoPeriodo) {
   EXPECT_EQ(outra, doc);
 }
 
+// Without --nivel or --curva the run plays at the level the engine reads from the station's own
+// ritmo.rer, out of the player's range or too large to read included, and leaves the file as it is.
+TEST(Simular, NivelDaEstacaoComoOMotorOLe) {
+  EstacaoTeste estacao;
+  for (int i = 0; i < 60; ++i) estacao.Musica(100 + i, {{"DuracaoSec", "600"}});
+  estacao.GravarAcervo();
+  estacao.GravarRegras();
+  for (const auto& [texto, nivel] : {std::pair{"150", 150}, {"-7,5", -8}, {"99999", 0}}) {
+    estacao.GravarTexto("ritmo.rer", std::string(texto) + "\r\n");
+    const teste::ResultadoCli r = RodarCli({"simular", "--dir", estacao.Pasta().string(), "--horas", "1", "--json"});
+    ASSERT_EQ(r.codigo, 0) << r.erros;
+    const auto doc = nlohmann::json::parse(r.saida);
+    EXPECT_EQ(doc["nivel"], "fixo em " + std::to_string(nivel) + " (ritmo.rer da estação)");
+    ASSERT_EQ(doc["niveis"].size(), 1u);
+    EXPECT_EQ(doc["niveis"][0]["nivel"], nivel);
+    ASSERT_FALSE(doc["sequencia"].empty());
+    for (const auto& t : doc["sequencia"]) EXPECT_EQ(t["nivel"], nivel) << texto;
+    EXPECT_EQ(estacao.Ler("ritmo.rer"), std::string(texto) + "\r\n");
+  }
+}
+
 // Bad arguments end in one line; a rules text that does not read stops before the first song.
 TEST(Simular, ErrosDeArgumentoEmUmaLinha) {
   EstacaoTeste estacao;
