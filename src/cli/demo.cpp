@@ -206,7 +206,7 @@ void GerarEstacaoDemo(const fs::path& pasta, const OpcoesDemo& op) {
   Sorteio s(op.semente);
 
   std::vector<std::string> linhas;
-  std::vector<int> calmas, outras;
+  std::vector<bool> calma(static_cast<size_t>(op.musicas));
   constexpr size_t kLinhasPorMusica = 1 + kTagsPorMusica;  // the code, then the tags
   std::vector<char> bytes(static_cast<size_t>(op.bytesMre));
   for (int n = 0; n < op.musicas; ++n) {
@@ -214,8 +214,7 @@ void GerarEstacaoDemo(const fs::path& pasta, const OpcoesDemo& op) {
     const auto tags = TagsDaMusica(s, n);
     linhas.push_back(std::to_string(codigo));
     linhas.insert(linhas.end(), tags.begin(), tags.end());
-    const bool calma = tags[24].rfind("Calmo", 0) == 0 || tags[18].rfind("Lenta", 0) == 0;
-    (calma ? calmas : outras).push_back(n);
+    calma[static_cast<size_t>(n)] = tags[24].rfind("Calmo", 0) == 0 || tags[18].rfind("Lenta", 0) == 0;
     for (char& b : bytes) b = static_cast<char>(s.Entre(0, 255));
     EscreverBytes(pasta / "mre" / NomeArquivoMusica(codigo), std::string_view(bytes.data(), bytes.size()));
   }
@@ -232,13 +231,15 @@ void GerarEstacaoDemo(const fs::path& pasta, const OpcoesDemo& op) {
   if (op.playlistNoturna) {
     // The calm songs make the night playlist, topped up with others to the engine's minimum: a
     // smaller playlist would leave a small demo silent all night.
-    std::vector<int> daNoite = calmas;
-    for (size_t i = 0; daNoite.size() < static_cast<size_t>(kMinimoMusicas) && i < outras.size(); ++i)
-      daNoite.push_back(outras[i]);
-    std::sort(daNoite.begin(), daNoite.end());
+    const auto calmas = std::count(calma.begin(), calma.end(), true);
+    auto outras = std::max<decltype(calmas)>(0, kMinimoMusicas - calmas);
     std::vector<std::string> linhasNoite;
-    for (const int n : daNoite) {
-      const auto primeira = linhas.begin() + static_cast<std::ptrdiff_t>(static_cast<size_t>(n) * kLinhasPorMusica);
+    for (size_t n = 0; n < calma.size(); ++n) {
+      if (!calma[n]) {
+        if (outras == 0) continue;
+        --outras;
+      }
+      const auto primeira = linhas.begin() + static_cast<std::ptrdiff_t>(n * kLinhasPorMusica);
       linhasNoite.insert(linhasNoite.end(), primeira, primeira + static_cast<std::ptrdiff_t>(kLinhasPorMusica));
     }
     const fs::path noite = pasta / "madrugada";
