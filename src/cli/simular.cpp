@@ -31,7 +31,6 @@
 #include "engine/motor.h"
 #include "rules/candidatos.h"
 #include "rules/tags.h"
-#include "stores/saida.h"
 
 namespace lumavox::cli {
 
@@ -373,10 +372,8 @@ void ExecutarSimular(Contexto& ctx, const OpcoesSimular& op) {
   } else if (p.curva) {
     p.origemNivel = "curva " + fs::path(op.curva).filename().string();
   } else {
-    // The file may go between the two reads: the player rewrites it whenever the level moves.
     try {
-      if (LerPrimeiraLinha(ArquivosReais(), estacao / "ritmo.rer"))
-        p.ritmoDaEstacao = ArquivosReais().LerBytes(estacao / "ritmo.rer");
+      p.ritmoDaEstacao = ArquivosReais().LerBytes(estacao / "ritmo.rer");
     } catch (const std::exception&) {
     }
     if (!p.ritmoDaEstacao) p.origemNivel = "fixo em 50 (a estação não tem ritmo.rer)";
