@@ -37,7 +37,10 @@ class FilaNoAr : public ::testing::Test {
   EstacaoTeste e;
 };
 
-TEST_F(FilaNoAr, TomaAMaisAntigaPeloContadorEDevolveOsBytesDaMusica) {
+// The oldest entry by counter goes first with its song's bytes; the song that starts removes the
+// audio before the one that played last. What the engine reads of the logged plays is the on-air
+// test's business.
+TEST_F(FilaNoAr, TomaAMaisAntigaPeloContadorEATocadaLevaOsAudiosAnteriores) {
   const std::string ogg("OggS\0\x02\xff\x80 vorbis", 16);
   Enfileirar(1000000, 1002, "ID3 segunda");
   Enfileirar(9, 1001, ogg);
@@ -45,45 +48,27 @@ TEST_F(FilaNoAr, TomaAMaisAntigaPeloContadorEDevolveOsBytesDaMusica) {
   ASSERT_TRUE(EscreverFila(ArquivosReais(), e.Pasta(), NomeArquivoFila(5, 1002, 50), 1002));
   e.GravarTexto("list/leia-me.lre", "x");
 
-  auto t = TomarProxima(e.Pasta(), kAgora);
-  ASSERT_TRUE(t);
-  EXPECT_EQ(t->entrada.contador, 9);
-  EXPECT_EQ(t->audio.extension(), ".ogg");
-  EXPECT_EQ(e.Ler(fs::relative(t->audio, e.Pasta()).string()), ogg);
+  const auto primeira = TomarProxima(e.Pasta(), kAgora);
+  ASSERT_TRUE(primeira);
+  EXPECT_EQ(primeira->entrada.contador, 9);
+  EXPECT_EQ(primeira->audio.extension(), ".ogg");
+  EXPECT_EQ(e.Ler(fs::relative(primeira->audio, e.Pasta()).string()), ogg);
   EXPECT_FALSE(e.Existe("list/000005_0001002_050.lre"));
   EXPECT_FALSE(e.Existe("list/000009_0001001_050.lre"));
   EXPECT_FALSE(e.Existe("temp/000009.mrt"));
   EXPECT_TRUE(e.Existe("list/leia-me.lre"));
   // The collection's artist and title, quoted for Liquidsoap.
-  EXPECT_EQ(AnotacaoLiquidsoap(*t), "annotate:lumavox_entrada=\"000009\",lumavox_codigo=\"1001\",lumavox_nivel=\"50\","
-                                    "lumavox_artista=\"Ana\",lumavox_titulo=\"Diz \\\"não\\\"\":" + t->audio.string());
+  EXPECT_EQ(AnotacaoLiquidsoap(*primeira),
+            "annotate:lumavox_entrada=\"000009\",lumavox_codigo=\"1001\",lumavox_nivel=\"50\","
+            "lumavox_artista=\"Ana\",lumavox_titulo=\"Diz \\\"não\\\"\":" + primeira->audio.string());
 
-  t = TomarProxima(e.Pasta(), kAgora);
-  ASSERT_TRUE(t);
-  EXPECT_EQ(t->entrada.contador, 1000000);
-  EXPECT_EQ(t->audio.extension(), ".mp3");
-  EXPECT_EQ(ParaUtf8(t->titulo), "Lá");
-  EXPECT_FALSE(TomarProxima(e.Pasta(), kAgora));
-}
-
-TEST_F(FilaNoAr, UmCliqueQueOMotorNaoLeuSeguraAFila) {
-  Enfileirar(1, 1001, "OggS");
-  e.GravarTexto("avancar.rer", "1\n");
-  EXPECT_FALSE(TomarProxima(e.Pasta(), kAgora));
-  EXPECT_TRUE(e.Existe("list/000001_0001001_050.lre"));
-  // One left by a player that ran without an engine does not hold it for ever.
-  fs::last_write_time(e.Caminho("avancar.rer"), fs::file_time_type::clock::now() - std::chrono::seconds(11));
-  EXPECT_TRUE(TomarProxima(e.Pasta(), kAgora));
-}
-
-// The song that starts removes the audio before the one that played last; what the engine reads
-// of the logged plays is the on-air test's business.
-TEST_F(FilaNoAr, ATocadaLevaOsAudiosAnterioresAoQueTocou) {
-  Enfileirar(1, 1001, "OggS 1");
-  Enfileirar(2, 1002, "OggS 2");
-  const auto primeira = TomarProxima(e.Pasta(), kAgora);
   const auto segunda = TomarProxima(e.Pasta(), kAgora);
-  ASSERT_TRUE(primeira && segunda);
+  ASSERT_TRUE(segunda);
+  EXPECT_EQ(segunda->entrada.contador, 1000000);
+  EXPECT_EQ(segunda->audio.extension(), ".mp3");
+  EXPECT_EQ(ParaUtf8(segunda->titulo), "Lá");
+  EXPECT_FALSE(TomarProxima(e.Pasta(), kAgora));
+
   fs::last_write_time(primeira->audio, fs::last_write_time(segunda->audio) - std::chrono::seconds(5));
   RegistrarNoAr(e.Pasta(), 1001, primeira->audio, kAgora);
   EXPECT_TRUE(fs::exists(primeira->audio) && fs::exists(segunda->audio));
@@ -92,7 +77,8 @@ TEST_F(FilaNoAr, ATocadaLevaOsAudiosAnterioresAoQueTocou) {
   EXPECT_TRUE(fs::exists(segunda->audio));
 }
 
-// The click count is the number of songs in a row the operator cut short.
+// The click count is the number of songs in a row the operator cut short. A click the engine has
+// not read yet holds the queue, but one a player left without an engine does not hold it for ever.
 TEST_F(FilaNoAr, CliquesSeguidosContamAteUmaMusicaTocarAteOFim) {
   const std::string dir = e.Pasta().string();
   auto clicar = [&] { return RodarCli({"avancar", "--dir", dir}).saida; };
@@ -106,6 +92,11 @@ TEST_F(FilaNoAr, CliquesSeguidosContamAteUmaMusicaTocarAteOFim) {
   // The queued choices are void: entries and media go, so the engine reads the click at once.
   EXPECT_TRUE(ListarFila(ArquivosReais(), e.Pasta()).empty());
   EXPECT_FALSE(e.Existe("temp/000001.mrt") || e.Existe("temp/000002.mrt"));
+  Enfileirar(3, 1001, "OggS");
+  EXPECT_FALSE(TomarProxima(e.Pasta(), kAgora));
+  EXPECT_TRUE(e.Existe("list/000003_0001001_050.lre"));
+  fs::last_write_time(e.Caminho("avancar.rer"), fs::file_time_type::clock::now() - std::chrono::seconds(11));
+  EXPECT_TRUE(TomarProxima(e.Pasta(), kAgora));
 
   comecou();  // the song the skip brought
   EXPECT_EQ(clicar(), "clique 2\n");

@@ -61,7 +61,7 @@ TEST(CliRdb, CodificaDecodificaEApontaALinhaRuim) {
   EXPECT_NE(ruim.erros.find("linha 2"), std::string::npos);
 }
 
-TEST(CliSelect, JsonDoContratoComHistoricoEmMemoria) {
+TEST(CliSelectETocar, JsonDoContratoComHistoricoEmMemoriaETocadasNoBanco) {
   EstacaoTeste estacao;
   const std::string dir = estacao.Pasta().string();
   ASSERT_EQ(RodarCli({"demo", "--dir", dir, "--musicas", "80"}).codigo, 0);
@@ -85,19 +85,14 @@ TEST(CliSelect, JsonDoContratoComHistoricoEmMemoria) {
   // Same seed, same inputs, same output.
   EXPECT_EQ(RodarCli(args).saida, r.saida);
   EXPECT_EQ(RodarCli({"select", "--dir", dir, "--played", "12x", "--no-wait"}).codigo, 2);
-}
 
-TEST(CliTocar, TocadorSimuladoRegistraAsTocadasNoBanco) {
-  EstacaoTeste estacao;
-  const std::string dir = estacao.Pasta().string();
-  ASSERT_EQ(RodarCli({"demo", "--dir", dir, "--musicas", "80"}).codigo, 0);
-  const teste::ResultadoCli r = RodarCli({"tocar", "--dir", dir, "--musicas", "5", "--inicio", "2026-11-22 15:00:00"});
-  ASSERT_EQ(r.codigo, 0) << r.erros;
+  // The simulated player logs its plays in the station's database, which the next start-up reads.
+  const teste::ResultadoCli t = RodarCli({"tocar", "--dir", dir, "--musicas", "5", "--inicio", "2026-11-22 15:00:00"});
+  ASSERT_EQ(t.codigo, 0) << t.erros;
   size_t tocando = 0;
-  for (size_t p = r.saida.find("tocando"); p != std::string::npos; p = r.saida.find("tocando", p + 1)) ++tocando;
+  for (size_t p = t.saida.find("tocando"); p != std::string::npos; p = t.saida.find("tocando", p + 1)) ++tocando;
   EXPECT_EQ(tocando, 5u);
-  // The next start-up reads the last play back as the newest history entry.
-  const int32_t codigo = std::stoi(r.saida.substr(r.saida.rfind("tocando") + 7, 10));
+  const int32_t codigo = std::stoi(t.saida.substr(t.saida.rfind("tocando") + 7, 10));
   AmbienteFixo ambiente(MontarDataHora(2026, 11, 22, 16, 0, 0));
   Motor motor(estacao.Pasta(), ambiente);
   InstalarHistorico(motor);

@@ -12,13 +12,6 @@ namespace {
 using teste::EstacaoTeste;
 using teste::RodarCli;
 
-// The codes and air times of a run's plays.
-std::vector<std::pair<std::string, int>> Sequencia(const nlohmann::json& doc) {
-  std::vector<std::pair<std::string, int>> s;
-  for (const auto& t : doc["sequencia"]) s.emplace_back(t["momento"], t["codigo"]);
-  return s;
-}
-
 // 60 songs of three minutes by 15 artists, each title once, rule 02 keeping an artist away for
 // half an hour (about twelve choices, counting the two queued ahead). The same period run again
 // with the rule at three hours, which fifteen artists cannot meet at twenty songs an hour: the
@@ -57,7 +50,7 @@ TEST(Simular, MeiaHoraSemRepetirArtistaEOutrasRegrasNoMesmoPeriodo) {
 
   // The other rules chose otherwise, refused only in the simulated hours of day.
   const auto& alternativa = doc["alternativa"];
-  EXPECT_NE(Sequencia(alternativa), Sequencia(doc));
+  EXPECT_NE(alternativa["sequencia"], doc["sequencia"]);
   const auto& tres = alternativa["regras"][0];
   ASSERT_GT(tres["negada"].get<int>(), 0);
   long soma = 0;
@@ -76,44 +69,33 @@ TEST(Simular, MeiaHoraSemRepetirArtistaEOutrasRegrasNoMesmoPeriodo) {
 
   // The same seed gives the same days.
   auto outra = nlohmann::json::parse(RodarCli(args).saida);
-  EXPECT_EQ(Sequencia(outra["alternativa"]), Sequencia(alternativa));
-  for (const char* variavel : {"segundos_de_execucao", "alternativa"}) {
-    doc.erase(variavel);
-    outra.erase(variavel);
-  }
+  for (nlohmann::json* j : {&doc, &outra, &doc["alternativa"], &outra["alternativa"]}) j->erase("segundos_de_execucao");
   EXPECT_EQ(outra, doc);
 }
 
 // Without --nivel or --curva the run plays at the level the engine reads from the station's own
 // ritmo.rer, out of the player's range or too large to read included, and leaves the file as it is.
-TEST(Simular, NivelDaEstacaoComoOMotorOLe) {
+// Bad arguments end in one line; a rules text that does not read stops before the first song.
+TEST(Simular, NivelDaEstacaoComoOMotorOLeEErrosDeArgumentoEmUmaLinha) {
   EstacaoTeste estacao;
   for (int i = 0; i < 60; ++i) estacao.Musica(100 + i, {{"DuracaoSec", "600"}});
   estacao.GravarAcervo();
   estacao.GravarRegras();
+  const std::string dir = estacao.Pasta().string(), ruim = estacao.Caminho("ruim.txt").string();
   for (const auto& [texto, nivel] : {std::pair{"150", 150}, {"-7,5", -8}, {"99999", 0}}) {
     estacao.GravarTexto("ritmo.rer", std::string(texto) + "\r\n");
-    const teste::ResultadoCli r = RodarCli({"simular", "--dir", estacao.Pasta().string(), "--horas", "1", "--json"});
+    const teste::ResultadoCli r = RodarCli({"simular", "--dir", dir, "--horas", "1", "--json"});
     ASSERT_EQ(r.codigo, 0) << r.erros;
     const auto doc = nlohmann::json::parse(r.saida);
     EXPECT_EQ(doc["nivel"], "fixo em " + std::to_string(nivel) + " (ritmo.rer da estação)");
-    ASSERT_EQ(doc["niveis"].size(), 1u);
     EXPECT_EQ(doc["niveis"][0]["nivel"], nivel);
     ASSERT_FALSE(doc["sequencia"].empty());
     for (const auto& t : doc["sequencia"]) EXPECT_EQ(t["nivel"], nivel) << texto;
     EXPECT_EQ(estacao.Ler("ritmo.rer"), std::string(texto) + "\r\n");
   }
-}
 
-// Bad arguments end in one line; a rules text that does not read stops before the first song.
-TEST(Simular, ErrosDeArgumentoEmUmaLinha) {
-  EstacaoTeste estacao;
-  for (int i = 0; i < 60; ++i) estacao.Musica(100 + i);
-  estacao.GravarAcervo();
-  estacao.GravarRegras();
   estacao.GravarTexto("ruim.txt", "06:00 20\n7h 30\n");
   estacao.GravarTexto("vazio.toml", "# nada\n");
-  const std::string dir = estacao.Pasta().string(), ruim = estacao.Caminho("ruim.txt").string();
   const std::pair<std::vector<std::string>, int> casos[] = {
       {{"--curva", ruim}, -1},
       {{"--nivel", "50", "--curva", ruim}, -1},
