@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <functional>
 #include <map>
+#include <tuple>
 #include <nlohmann/json.hpp>
 
 #include "apoio/estacao.h"
@@ -38,23 +39,7 @@ void Limpa(EstacaoTeste& e, std::string_view subpasta = "") {
   RegrasDe(e, "Genero:Rock;", subpasta);
 }
 
-// The 14 lines of one rule with its flag written as given.
-std::string RegraCrua(std::string_view marca, std::string_view id, std::vector<std::string> vars) {
-  std::string t;
-  vars.insert(vars.begin(), {std::string(marca), std::string(id), "", ""});
-  vars.resize(14);
-  for (const std::string& v : vars) t += EstacaoTeste::Codificada(v) + "\r\n";
-  return t;
-}
-
-void Acrescentar(EstacaoTeste& e, std::string_view arquivo, std::initializer_list<std::string_view> linhas) {
-  e.GravarTexto(arquivo, e.Ler(arquivo) + EstacaoTeste::Linhas(linhas));
-}
-
-std::vector<Constatacao> Conferir(const EstacaoTeste& e) {
-  SistemaArquivosReal arquivos;
-  return ConferirEstacao(arquivos, e.Pasta(), kAgora);
-}
+std::vector<Constatacao> Conferir(const EstacaoTeste& e) { return ConferirEstacao(ArquivosReais(), e.Pasta(), kAgora); }
 
 std::string Listar(const std::vector<Constatacao>& lista) {
   std::string t;
@@ -82,9 +67,9 @@ const Caso kCasos[] = {
      A, "lxdb.rdb", kFim, "o código 5 repete o da música da linha 133"},
     {"sem midia", [](Est& e) { SongsDe(e, kMusicas, "", false); e.Musica(999, {}, false).GravarAcervo(); RegrasDe(e); },
      A, "lxdb.rdb", kFim, "sem o arquivo mre/0000999.mre"},
-    {"codigo nao numerico", [](Est& e) { Limpa(e); Acrescentar(e, "lxdb.rdb", {"abc"}); },
+    {"codigo nao numerico", [](Est& e) { Limpa(e); e.GravarTexto("lxdb.rdb", e.Ler("lxdb.rdb") + Est::Linhas({"abc"})); },
      E, "lxdb.rdb", kFim, "o código da música não é um número inteiro"},
-    {"registro parcial", [](Est& e) { Limpa(e); Acrescentar(e, "lxdb.rdb", {"61", "Ana", "Álbum"}); },
+    {"registro parcial", [](Est& e) { Limpa(e); e.GravarTexto("lxdb.rdb", e.Ler("lxdb.rdb") + Est::Linhas({"61", "Ana", "Álbum"})); },
      A, "lxdb.rdb", kFim, "3 linhas no fim não completam uma música"},
     {"valor de um caractere no acervo",
      [](Est& e) { SongsDe(e, kMusicas, "", false); e.Musica(70, {{"Nota", "5"}}).GravarAcervo(); RegrasDe(e, "Nota:10;"); },
@@ -116,7 +101,11 @@ const Caso kCasos[] = {
     {"valor de filtro de um caractere", [](Est& e) { SongsDe(e, kMusicas); RegrasDe(e, "Genero:Rock;X"); },
      A, "lxie0.rdb", 1, "o valor \"X\" tem um só caractere"},
     {"marca que parece ativa",
-     [](Est& e) { Limpa(e); e.GravarTexto("lxie0.rdb", RegraCrua("A", "01", {"Genero:Rock;"}) + RegraCrua("A ", "04", {"10"})); },
+     [](Est& e) {
+       Limpa(e);
+       e.GravarTexto("lxie0.rdb", Est::Linhas({"A", "01", "", "", "Genero:Rock;", "", "", "", "", "", "", "", "", "",
+                                               "A ", "04", "", "", "10", "", "", "", "", "", "", "", "", ""}));
+     },
      E, "lxie0.rdb", 15, "a marca de ativa \"A \" parece ativa"},
     {"periodo que nunca vale",
      [](Est& e) { SongsDe(e, kMusicas); e.Regra(0, true, "01", "", {"Genero:Rock;", "", "22:00", "02:00"}).GravarRegras(); },
@@ -147,9 +136,8 @@ TEST_P(UmaConstatacao, NoArquivoENaLinhaDela) {
   c.montar(estacao);
   const std::vector<Constatacao> lista = Conferir(estacao);
   ASSERT_EQ(lista.size(), 1u) << Listar(lista);
-  EXPECT_EQ(lista[0].nivel, c.nivel) << Listar(lista);
-  EXPECT_EQ(lista[0].arquivo, c.arquivo);
-  EXPECT_EQ(lista[0].linha, c.linha);
+  EXPECT_EQ(std::tie(lista[0].nivel, lista[0].arquivo, lista[0].linha),
+            std::make_tuple(c.nivel, std::string(c.arquivo), c.linha)) << Listar(lista);
   EXPECT_NE(lista[0].mensagem.find(c.trecho), std::string::npos) << lista[0].mensagem;
 }
 
@@ -190,7 +178,6 @@ TEST(Conferencia, LinhaDeComandoEmTextoEJsonSaiCom1SoComErro) {
   EXPECT_EQ(doc[0].dump(), "{\"nivel\":\"erro\",\"arquivo\":\"lxdb.rdb\",\"linha\":null,\"mensagem\":" +
                                doc[0]["mensagem"].dump() + "}");
   EXPECT_EQ(doc[1]["nivel"], "aviso");
-  EXPECT_EQ(doc[1]["arquivo"], "lxie0.rdb");
   EXPECT_EQ(doc[1]["linha"], 1);
 
   SongsDe(estacao, kMusicas);

@@ -69,48 +69,39 @@ TEST_F(AplicarRegraTeste, AceitaRemoveELogaAntesDeRemover) {
   EXPECT_TRUE(UltimaEntrada().musicas.empty());
 }
 
-TEST_F(AplicarRegraTeste, NumerosSemProcedimentoESemCandidatas) {
+// Rules that keep every candidate: a number without a procedure is skipped, a rule that would
+// leave no song or finds no candidate is refused, and one that raises ends alone.
+TEST_F(AplicarRegraTeste, NaoRealizadaNegadaOuComErroNaoRemoveNada) {
+  auto Aplicar = [&](long indice, int nivel, bool retorno, TipoLog tipo, const std::string& trecho) {
+    EXPECT_EQ(AplicarRegra(t.E(), true, indice, static_cast<int16_t>(nivel)), retorno) << trecho;
+    EXPECT_EQ(UltimaEntrada().tipo, tipo) << trecho;
+    EXPECT_NE((ParaUtf8(UltimaEntrada().texto) + UltimaEntrada().erro).find(trecho), std::string::npos) << trecho;
+  };
   t.Regra(2, 0, "15", {});
-  EXPECT_TRUE(AplicarRegra(t.E(), true, 0, 65));
-  EXPECT_EQ(UltimaEntrada().tipo, TipoLog::NaoRealizada);
-  EXPECT_NE(UltimaEntrada().texto.find(u"REGRA SCRIPT NÃO REALIZADO: 15"), Texto::npos);
+  Aplicar(0, 65, true, TipoLog::NaoRealizada, "REGRA SCRIPT NÃO REALIZADO: 15");
+  t.Regra(1, 0, "01", {"Cor:Azul"});
+  Aplicar(0, 35, false, TipoLog::Negada, "REGRA NEGADA: 01");  // level 35 reads set 1
+  t.Regra(0, 0, "01", {"Genero:Rock", "não é data"});
+  Aplicar(0, 50, false, TipoLog::Erro, "Erro 13");
+  Aplicar(256, 50, false, TipoLog::Erro, "Erro 9");  // index past the set
+  EXPECT_EQ(t.Candidatas().size(), 3u);
 
   for (long i = 0; i < 3; ++i) t->selecao.MusicaCandidata[i] = false;
-  EXPECT_FALSE(AplicarRegra(t.E(), true, 0, 65));
-  EXPECT_EQ(UltimaEntrada().tipo, TipoLog::NaoRealizada);
+  Aplicar(0, 65, false, TipoLog::NaoRealizada, "");
   t.Regra(2, 1, "99", {});
-  EXPECT_FALSE(AplicarRegra(t.E(), true, 1, 65));
-  EXPECT_EQ(UltimaEntrada().tipo, TipoLog::Negada);
+  Aplicar(1, 65, false, TipoLog::Negada, "");
   // The never-loaded script list applies an empty rule.
   EXPECT_FALSE(AplicarRegra(t.E(), false, 0, 65));
   EXPECT_TRUE(t->catalogo.RegraAtual.ID.empty());
 }
 
-// A rule that would leave no song is refused, and one that raises ends alone: neither removes.
-TEST_F(AplicarRegraTeste, NegadaOuComErroNaoRemoveNada) {
-  t.Regra(1, 0, "01", {"Cor:Azul"});
-  EXPECT_FALSE(AplicarRegra(t.E(), true, 0, 35));  // level 35 reads set 1
-  EXPECT_EQ(t.Candidatas().size(), 3u);
-  EXPECT_EQ(UltimaEntrada().tipo, TipoLog::Negada);
-  EXPECT_NE(UltimaEntrada().texto.find(u"REGRA NEGADA: 01"), Texto::npos);
-
-  t.Regra(0, 0, "01", {"Genero:Rock", "não é data"});
-  EXPECT_FALSE(AplicarRegra(t.E(), true, 0, 50));
-  EXPECT_EQ(t.Candidatas().size(), 3u);
-  EXPECT_EQ(UltimaEntrada().tipo, TipoLog::Erro);
-  EXPECT_NE(UltimaEntrada().erro.find("Erro 13"), std::string::npos);
-  EXPECT_FALSE(AplicarRegra(t.E(), true, 256, 50));  // index past the set
-  EXPECT_NE(UltimaEntrada().erro.find("Erro 9"), std::string::npos);
-}
-
+// A placeholder without a value stays as written.
 TEST(MontarDescricao, X10AntesDeX1EPlaceholdersVaziosFicam) {
   EstadoTeste t;
   t.RegraAtual("12", {"3"});
-  t->catalogo.RegraAtual.Descricao = u"Maximo de (X1) musicas (X2) consecutivas [(X3)DATA / ENTRE (X4) E (X5)].";
-  EXPECT_EQ(MontarDescricao(t.E()), u"Maximo de (3) musicas (X2) consecutivas [(X3)DATA / ENTRE (X4) E (X5)].");
   t->catalogo.RegraAtual.Var(10).Valor = u"7";
-  t->catalogo.RegraAtual.Descricao = u"(X10) e (X1)X";
-  EXPECT_EQ(MontarDescricao(t.E()), u"(7) e (3)X");
+  t->catalogo.RegraAtual.Descricao = u"(X10) e (X1)X (X2)";
+  EXPECT_EQ(MontarDescricao(t.E()), u"(7) e (3)X (X2)");
 }
 
 // A selection that never chose reuses its counter: its subtree is replaced, not doubled.

@@ -54,8 +54,7 @@ TEST_F(ExecucaoTeste, PrimeiraChamadaLimpaEEncheAFilaComDuasEntregas) {
   EXPECT_EQ(ambiente.EsperadoMs(), 1600);
 
   // The inactive rule is skipped but still counted.
-  const NoLog& regra34 = motor->E().log.Selecoes().front().filhos[1];
-  EXPECT_EQ(regra34.chave, "R0_3");
+  EXPECT_EQ(motor->E().log.Selecoes().front().filhos[1].chave, "R0_3");
 
   // Full queue, no change: nothing to do. The player takes one: one more song.
   EXPECT_TRUE(motor->TestarRegras().selecoes.empty());
@@ -63,13 +62,9 @@ TEST_F(ExecucaoTeste, PrimeiraChamadaLimpaEEncheAFilaComDuasEntregas) {
   const ResultadoExecucao r2 = motor->TestarRegras();
   ASSERT_EQ(r2.selecoes.size(), 1u);
   EXPECT_EQ(r2.selecoes[0].lre->substr(0, 12), "list/000003_");
-}
 
-TEST_F(ExecucaoTeste, AvancoAnulaAFilaEMudancaDeNivelTrocaAsEntregasAntigas) {
-  Montar(60);
-  motor->TestarRegras();
+  // An advance voids the queue and its file goes; a new level replaces the older entries.
   const std::vector<std::string> antiga = Fila();
-
   estacao.GravarTexto("avancar.rer", "1\r\n");
   fs::remove(estacao.Caminho("list") / antiga[0]);
   motor->TestarRegras();
@@ -78,28 +73,24 @@ TEST_F(ExecucaoTeste, AvancoAnulaAFilaEMudancaDeNivelTrocaAsEntregasAntigas) {
   std::vector<std::string> depois = Fila();
   ASSERT_EQ(depois.size(), 2u);
   EXPECT_EQ(std::count(depois.begin(), depois.end(), antiga[1]), 0);
-
   estacao.GravarTexto("ritmo.rer", "80\r\n");
-  const ResultadoExecucao r = motor->TestarRegras();
-  ASSERT_EQ(r.selecoes.size(), 2u);
-  EXPECT_EQ(r.selecoes[0].conjunto, 2);
+  const ResultadoExecucao r3 = motor->TestarRegras();
+  ASSERT_EQ(r3.selecoes.size(), 2u);
+  EXPECT_EQ(r3.selecoes[0].conjunto, 2);
   // The replaced and voided entries' media went with them; the one being played stays.
-  EXPECT_EQ(estacao.Nomes("temp", ".mrt").size(), 3u);
+  EXPECT_EQ(estacao.Nomes("temp", ".mrt").size(), 4u);
 }
 
-TEST_F(ExecucaoTeste, CinquentaMusicasEsperamECinquentaEUmaEscolhem) {
+// Fifty songs wait a minute for more; a forced song is chosen once, and one not in the
+// collection leaves the draw as it was.
+TEST_F(ExecucaoTeste, CinquentaMusicasEsperamEMusicaForcadaSoValeSeEstiverNoAcervo) {
   Montar(50);
   EXPECT_TRUE(motor->TestarRegras().selecoes.empty());
   EXPECT_EQ(ambiente.EsperadoMs(), 60000);
   EXPECT_TRUE(Fila().empty());
   Montar(51);
-  EXPECT_EQ(motor->TestarRegras().selecoes.size(), 2u);
-}
-
-TEST_F(ExecucaoTeste, MusicaForcadaSoValeSeEstiverNoAcervo) {
-  Montar(60);
   motor->E().execucao.MusicaForcada = 42;
-  EXPECT_EQ(motor->TestarRegras().selecoes[0].escolhida, 42);
+  EXPECT_EQ(motor->TestarRegras().selecoes.at(0).escolhida, 42);
   EXPECT_EQ(motor->E().execucao.MusicaForcada, 0);
 
   AmbienteFixo mesmo{MontarDataHora(2026, 11, 22, 10, 0, 0), 9}, outro{MontarDataHora(2026, 11, 22, 10, 0, 0), 9};
