@@ -66,9 +66,7 @@ TEST_F(Janela, ModoDebugComIconeJanelaELinhasNaOrdemDaPartida) {
   EXPECT_EQ(C<QPlainTextEdit>("TextoDebug")->toPlainText(), "Abriu Playlists\nMusica: 5");
   EXPECT_EQ(estacao.Ler("debuglog.rer"), "Musica: 5\n");
   // Five songs never get a song on air: the station check says so where the window opens.
-  EXPECT_NE(
-      C<QPlainTextEdit>("TextoConferencia")->toPlainText().indexOf("erro: lxdb.rdb: só 5 músicas"),
-      -1);
+  EXPECT_TRUE(C<QPlainTextEdit>("TextoConferencia")->toPlainText().contains("erro: lxdb.rdb: só 5 músicas"));
   EXPECT_EQ(C<QTabWidget>("SSTab1")->currentWidget()->objectName(), "TextoConferencia");
 
   // The icon's double click reaches the window through the form.
@@ -92,12 +90,11 @@ TEST_F(Janela, ForaDoModoDebugOBotaoPedeAMusicaEOTimerPreencheArvoreEFila) {
   EXPECT_FALSE(form->isVisible());
   EXPECT_FALSE(estacao.Existe("debuglog.rer"));
   Execucao& x = form->MotorSelecao().E().execucao;
-  C<QLineEdit>("Text1")->setText("abc");
-  C<QPushButton>("Command1")->click();
-  EXPECT_EQ(x.MusicaForcada, 0);
-  C<QLineEdit>("Text1")->setText("1035");
-  QTest::mouseClick(C<QPushButton>("Command1"), Qt::LeftButton);
-  EXPECT_EQ(x.MusicaForcada, 1035);
+  for (const auto& [texto, forcada] : {std::pair{"abc", 0}, std::pair{"1035", 1035}}) {
+    C<QLineEdit>("Text1")->setText(texto);
+    QTest::mouseClick(C<QPushButton>("Command1"), Qt::LeftButton);
+    EXPECT_EQ(x.MusicaForcada, forcada) << texto;
+  }
   QSignalSpy terminou(form.get(), &RegrasTeste::ExecucaoTerminada);
   form->Timer1_Timer();
   EXPECT_EQ(terminou.count(), 1);
@@ -109,64 +106,51 @@ TEST_F(Janela, ForaDoModoDebugOBotaoPedeAMusicaEOTimerPreencheArvoreEFila) {
   EXPECT_EQ(nomes.size(), 2);
   EXPECT_TRUE(nomes.value(0).startsWith("000001_0001035_"));
 
-  QTreeWidgetItem* p0 = Selecao("P0");
-  ASSERT_NE(p0, nullptr);
+  ASSERT_NE(Selecao("P0"), nullptr);
   ASSERT_NE(Selecao("P1"), nullptr);
-  QTreeWidgetItem* escolhida = ArvoreLog::ProcurarFilho(p0, "E0");
+  QTreeWidgetItem* escolhida = ArvoreLog::ProcurarFilho(Selecao("P0"), "E0");
   ASSERT_NE(escolhida, nullptr);
   EXPECT_TRUE(escolhida->text(0).endsWith("-> 1035"));
 }
 
-TEST_F(Janela, FecharDuranteAExecucaoAbandonaONaHora) {
+TEST_F(Janela, SigtermDuranteAExecucaoFechaAJanelaEAbandonaONaHora) {
   Abrir(false);
-  QTimer::singleShot(0, form.get(), &QWidget::close);
+  SinaisDeParada sinais;
+  QObject::connect(&sinais, &SinaisDeParada::Parar, form.get(), &QWidget::close);
+  QSignalSpy encerrou(form.get(), &RegrasTeste::ProgramaEncerrado);
+  QTimer::singleShot(0, [] { std::raise(SIGTERM); });
   form->Timer1_Timer();
+  EXPECT_TRUE(QTest::qWaitFor([&] { return encerrou.count() == 1; }, 2000));
   EXPECT_TRUE(form->Encerrado());
   EXPECT_TRUE(Fila().empty());
   EXPECT_FALSE(C<QTimer>("Timer1")->isActive());
 }
 
-TEST_F(Janela, SigtermEncerraComoFechar) {
-  Abrir(false);
-  SinaisDeParada sinais;
-  QObject::connect(&sinais, &SinaisDeParada::Parar, form.get(), &QWidget::close);
-  QSignalSpy encerrou(form.get(), &RegrasTeste::ProgramaEncerrado);
-  std::raise(SIGTERM);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return encerrou.count() == 1; }, 2000));
-}
-
-TEST(TrayIcon, DicaCortadaAoCampoDoShell) {
+TEST(TrayIcon, DicaCortadaEDuploCliqueRestauraSoAMinimizadaESemJanelaGuardaOErro) {
   clsTrayIcon tray;
   tray.fn_ShowIcon(nullptr, QIcon(), QString(70, 'a'));
   EXPECT_EQ(tray.Icone().toolTip(), QString(63, 'a'));
   tray.fn_ShowIcon(nullptr, QIcon(), QString("Lumavox") + QChar(0) + "resto");
   EXPECT_EQ(tray.Icone().toolTip(), "Lumavox");
-  EXPECT_TRUE(tray.Icone().isVisible());
   tray.fn_HideIcon(nullptr);
   EXPECT_FALSE(tray.Icone().isVisible());
-}
 
-TEST(TrayIcon, DuploCliqueRestauraSoAJanelaMinimizadaEAMostraESemJanelaGuardaOErro) {
-  clsTrayIcon tray;
-  QWidget minimizada, maximizada;
+  // Other messages (here a left click) leave the window alone.
+  QWidget minimizada, maximizada, oculta;
   minimizada.setWindowState(Qt::WindowMinimized);
   maximizada.setWindowState(Qt::WindowMaximized);
-  tray.fn_MouseMove(&minimizada, clsTrayIcon::kMensagemDuploClique, Qt::WindowNoState, nullptr);
-  tray.fn_MouseMove(&maximizada, clsTrayIcon::kMensagemDuploClique, Qt::WindowNoState, nullptr);
+  for (QWidget* w : {&minimizada, &maximizada})
+    tray.fn_MouseMove(w, clsTrayIcon::kMensagemDuploClique, Qt::WindowNoState, nullptr);
+  tray.fn_MouseMove(&oculta, clsTrayIcon::kMensagemEsquerdoSolto, Qt::WindowNoState, nullptr);
   EXPECT_EQ(minimizada.windowState(), Qt::WindowNoState);
   EXPECT_EQ(maximizada.windowState(), Qt::WindowMaximized);
   EXPECT_TRUE(minimizada.isVisible());
-
-  // Other messages (a left click, a plain move) leave the window alone.
-  QWidget oculta;
-  tray.fn_MouseMove(&oculta, clsTrayIcon::kMensagemEsquerdoSolto, Qt::WindowNoState, nullptr);
   EXPECT_FALSE(oculta.isVisible());
   EXPECT_EQ(tray.UltimaMensagem(), clsTrayIcon::kMensagemEsquerdoSolto);
 
   // Without a window the error is listed, counted from -1, and the busy flag still drops.
   EXPECT_EQ(tray.ContagemErros(), -1);
-  tray.fn_MouseMove(nullptr, clsTrayIcon::kMensagemDuploClique, Qt::WindowNoState, nullptr);
-  tray.fn_MouseMove(nullptr, clsTrayIcon::kMensagemDuploClique, Qt::WindowNoState, nullptr);
+  for (int i = 0; i < 2; ++i) tray.fn_MouseMove(nullptr, clsTrayIcon::kMensagemDuploClique, Qt::WindowNoState, nullptr);
   EXPECT_EQ(tray.ContagemErros(), 1);
   ASSERT_EQ(tray.Erros().size(), 2);
   EXPECT_EQ(tray.Erros()[0], "fn_MouseMove: Error Object variable or With block variable not set - no form to restore");

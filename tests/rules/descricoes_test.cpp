@@ -6,8 +6,10 @@
 #include <map>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <vector>
 
+#include "apoio/estacao.h"
 #include "apoio/estado_teste.h"
 #include "base/erro.h"
 #include "rules/descricoes.h"
@@ -47,37 +49,25 @@ const std::map<std::u16string_view, std::vector<std::string>> kAntesDoPeriodo{
 };
 
 TEST(DescricoesRegras, CadaProcedimentoLeOPeriodoDasVariaveisDaDescricao) {
-  struct Caso {
-    const char* nome;
-    std::string data, inicio, fim;
-    bool erro;
-  };
-  const Caso casos[] = {
-      {"em vigor", "22/11/2026", "00:00", "23:59:59", false},
-      {"data ruim", "amanhã", "", "", true},
-      {"início ruim", "", "25:00", "23:00", true},
-      {"fim ruim", "", "00:00", "25:00", true},
-  };
+  // Data, início and fim: one set in force, then one bad value each.
+  const std::tuple<const char*, const char*, const char*, bool> casos[] = {
+      {"22/11/2026", "00:00", "23:59:59", false}, {"amanhã", "", "", true}, {"", "25:00", "23:00", true},
+      {"", "00:00", "25:00", true}};
   for (const DescricaoRegra& d : DescricoesRegras()) {
     if (!d.procedimento) continue;
-    for (const Caso& c : casos) {
+    for (const auto& [data, inicio, fim, esperado] : casos) {
       EstadoTeste t;
       t.Musica(1).TodasCandidatas();
       t->selecao.CliqueAtual = 1;
       std::vector<std::string> vars(kVariaveisPorRegra);
       if (auto it = kAntesDoPeriodo.find(d.numero); it != kAntesDoPeriodo.end())
         std::copy(it->second.begin(), it->second.end(), vars.begin());
-      vars[static_cast<size_t>(d.periodo.data - 1)] = c.data;
-      vars[static_cast<size_t>(d.periodo.inicio - 1)] = c.inicio;
-      vars[static_cast<size_t>(d.periodo.fim - 1)] = c.fim;
+      vars[static_cast<size_t>(d.periodo.data - 1)] = data;
+      vars[static_cast<size_t>(d.periodo.inicio - 1)] = inicio;
+      vars[static_cast<size_t>(d.periodo.fim - 1)] = fim;
       t.RegraAtual(Utf8(d.numero), vars);
-      bool erro = false;
-      try {
-        d.procedimento(t.E());
-      } catch (const ErroExecucao& ex) {
-        erro = ex.Codigo() == CodigoErro::TiposIncompativeis;
-      }
-      EXPECT_EQ(erro, c.erro) << "regra " << Utf8(d.numero) << ", " << c.nome;
+      const bool erro = teste::ErroDe([&] { d.procedimento(t.E()); }) == CodigoErro::TiposIncompativeis;
+      EXPECT_EQ(erro, esperado) << "regra " << Utf8(d.numero) << ", " << data << " " << inicio << "-" << fim;
     }
   }
 }

@@ -3,6 +3,10 @@
 // tried against the lowest draw (1) and a chance of 100 against the highest (100).
 #include <gtest/gtest.h>
 
+#include <initializer_list>
+#include <tuple>
+#include <utility>
+
 #include "apoio/estacao.h"
 #include "apoio/estado_teste.h"
 #include "base/erro.h"
@@ -30,9 +34,20 @@ constexpr float kSorteio1 = 0.0f, kSorteio100 = 0.99999994f;
 // A state whose rules draw from `sorteio`.
 struct Teste {
   explicit Teste(DataHora agora = MontarDataHora(2026, 11, 22, 10, 0, 0)) : t(agora) { t->ambiente = &sorteio; }
-  Teste& Vibe(int32_t codigo, const char* vibe) {
-    t.Musica(codigo, {{kVelocidade, vibe}, {kRitmo, vibe}});
-    return *this;
+  // Songs whose speed and rhythm both read `vibe`.
+  void Vibes(std::initializer_list<std::pair<int32_t, const char*>> musicas) {
+    for (const auto& [codigo, vibe] : musicas) t.Musica(codigo, {{kVelocidade, vibe}, {kRitmo, vibe}});
+  }
+  void Generos(std::initializer_list<std::pair<int32_t, const char*>> musicas) {
+    for (const auto& [codigo, genero] : musicas) t.Musica(codigo, {{kGenero, genero}});
+  }
+  // Runs `regra` once per case, each with its own draw value, and checks the codes it keeps.
+  void Conferir(void (*regra)(Estado&), const char* id,
+                std::initializer_list<std::tuple<float, std::vector<std::string>, Codigos>> casos) {
+    for (const auto& [valor, vars, mantidas] : casos) {
+      sorteio.valor = valor;
+      EXPECT_EQ(t.Aplicar(regra, id, vars), mantidas) << id << " " << valor << " " << ::testing::PrintToString(vars);
+    }
   }
   EstadoTeste t;
   SorteioFixo sorteio;
@@ -40,32 +55,27 @@ struct Teste {
 
 TEST(Regra08, FaixaDeNotaInclusivaEDoisTagsSoNasHoras) {
   Teste x;
-  x.t.Musica(1, {{kNota, "10"}, {kGenero, "Rock"}, {kEstilo, "Dance"}})
-      .Musica(2, {{kNota, "8,5"}, {kGenero, "Rock"}, {kEstilo, "Dance"}})
-      .Musica(3, {{kNota, "7,9"}, {kGenero, "Rock"}, {kEstilo, "Dance"}})
-      .Musica(4, {{kNota, "9"}, {kGenero, "Rock"}})
-      .Musica(5, {{kNota, "9"}, {kEstilo, "Dance"}})
-      .Musica(6, {{kGenero, "Rock"}, {kEstilo, "Dance"}});
+  for (auto [codigo, nota] : {std::pair{1, "10"}, std::pair{2, "8,5"}, std::pair{3, "7,9"}})
+    x.t.Musica(codigo, {{kNota, nota}, {kGenero, "Rock"}, {kEstilo, "Dance"}});
+  x.t.Musica(4, {{kNota, "9"}, {kGenero, "Rock"}}).Musica(5, {{kNota, "9"}, {kEstilo, "Dance"}});
+  x.t.Musica(6, {{kGenero, "Rock"}, {kEstilo, "Dance"}});
   auto Com = [&](const char* alta, const char* baixa, const char* de, const char* ate) {
     return x.t.Aplicar(Regra08, "08", {alta, baixa, "Genero:Rock", "Estilo:Dance", de, ate, "noite"});
   };
-  EXPECT_EQ(Com("10", "8", "09:00", "10:00"), (Codigos{1, 2}));
-  EXPECT_EQ(Com("10", "0", "09:00", "10:00"), (Codigos{1, 2, 3, 6}));  // an empty Nota is 0
-  EXPECT_TRUE(Com("8", "10", "09:00", "10:00").empty());               // band given low first
-  EXPECT_EQ(Com("10", "8", "10:00:01", "12:00").size(), 6u);  // outside X5..X6, period ignored
+  // An empty Nota is 0, a band given low first keeps nothing, and outside X5..X6 nothing goes.
+  const std::tuple<const char*, const char*, const char*, const char*, Codigos> casos[] = {
+      {"10", "8", "09:00", "10:00", {1, 2}}, {"10", "0", "09:00", "10:00", {1, 2, 3, 6}},
+      {"8", "10", "09:00", "10:00", {}},     {"10", "8", "10:00:01", "12:00", {1, 2, 3, 4, 5, 6}}};
+  for (const auto& [alta, baixa, de, ate, mantidas] : casos) EXPECT_EQ(Com(alta, baixa, de, ate), mantidas) << alta << baixa << de;
 }
 
 TEST(Regra22, DepoisDoTagUmSorteioEscolheX3OuX4) {
   Teste x;
-  x.t.Musica(1, {{kGenero, "Animado"}})
-      .Musica(2, {{kGenero, "Normal"}})
-      .Musica(3, {{kGenero, "Acelerado"}});
+  x.Generos({{1, "Animado"}, {2, "Normal"}, {3, "Acelerado"}});
   auto Com = [&](const char* chance, const char* x3, const char* x4) {
     return x.t.Aplicar(Regra22, "22", {"Genero:Animado", chance, x3, x4});
   };
   EXPECT_EQ(Com("100", "Genero:Normal", "Genero:Acelerado").size(), 3u);  // empty history
-  EXPECT_EQ(x.sorteio.sorteios, 0);
-
   x.t.Tocadas({2});  // the last song lacks X1: no draw either
   EXPECT_EQ(Com("100", "Genero:Normal", "Genero:Acelerado").size(), 3u);
   EXPECT_EQ(x.sorteio.sorteios, 0);
@@ -83,47 +93,41 @@ TEST(Regra22, DepoisDoTagUmSorteioEscolheX3OuX4) {
 
 TEST(Regra23, TagsDaUltimaPedemOuEvitamOsAlvos) {
   Teste x;
-  x.t.Musica(1, {{kGenero, "Rock"}, {kEstilo, "Dance"}})
-      .Musica(2, {{kGenero, "Pop"}, {kEstilo, "Dance"}})
-      .Musica(3, {{kGenero, "Pop"}, {kEstilo, "Balada"}});
+  x.t.Musica(1, {{kGenero, "Rock"}, {kEstilo, "Dance"}}).Musica(2, {{kGenero, "Pop"}, {kEstilo, "Dance"}});
+  x.t.Musica(3, {{kGenero, "Pop"}, {kEstilo, "Balada"}});
   auto Com = [&](const char* x2, const char* modo, const char* alvo1, const char* alvo2) {
     return x.t.Aplicar(Regra23, "23", {"Genero:Rock", x2, "", modo, alvo1, "", alvo2});
   };
   EXPECT_EQ(Com("", "Sim", "Genero:Pop", "").size(), 3u);  // empty history
   x.t.Tocadas({1});
-  EXPECT_EQ(Com("", "Sim", "Genero:Pop", "Estilo:Dance"), (Codigos{2}));
-  EXPECT_EQ(Com("Estilo:Dance", "Não", "Genero:Pop", "Estilo:Balada"), (Codigos{1}));
-  EXPECT_EQ(Com("", "sim", "Genero:Pop", ""), (Codigos{1}));  // only "Sim" plays
-  EXPECT_EQ(Com("", "Sim", "Genero:Geral*", "").size(), 3u);
-  EXPECT_EQ(Com("Estilo:Balada", "Sim", "Genero:Pop", "").size(), 3u);  // X2 fails on the last song
-  EXPECT_EQ(Com("", "", "Genero:Pop", "").size(), 3u);
+  // Only "Sim" asks for the targets, and an X2 the last song fails leaves everything.
+  const std::tuple<const char*, const char*, const char*, const char*, Codigos> casos[] = {
+      {"", "Sim", "Genero:Pop", "Estilo:Dance", {2}}, {"Estilo:Dance", "Não", "Genero:Pop", "Estilo:Balada", {1}},
+      {"", "sim", "Genero:Pop", "", {1}},             {"", "Sim", "Genero:Geral*", "", {1, 2, 3}},
+      {"Estilo:Balada", "Sim", "Genero:Pop", "", {1, 2, 3}}, {"", "", "Genero:Pop", "", {1, 2, 3}}};
+  for (const auto& [x2, modo, alvo1, alvo2, mantidas] : casos)
+    EXPECT_EQ(Com(x2, modo, alvo1, alvo2), mantidas) << x2 << " " << modo << " " << alvo1 << " " << alvo2;
 }
 
 TEST(Regra24e27, GeneroInfluenteComOsCamposTrocados) {
   Teste x;
-  x.t.Musica(1, {{kGenero, "Rock"}, {kGeneroSub, "Blues"}})
-      .Musica(2, {{kGenero, "Blues"}, {kGeneroSub, "Rock"}})
-      .Musica(3, {{kGenero, "Rock;Blues"}, {kGeneroSub, "Jazz"}})
-      .Musica(4, {{kGenero, "Jazz"}, {kGeneroSub, "Rock;Jazz"}})
-      .Musica(5, {{kGenero, "Blues"}});
-  EXPECT_EQ(x.t.Aplicar(Regra24, "24", {"100"}).size(), 5u);  // empty history: no draw
+  x.t.Musica(1, {{kGenero, "Rock"}, {kGeneroSub, "Blues"}}).Musica(2, {{kGenero, "Blues"}, {kGeneroSub, "Rock"}});
+  x.t.Musica(3, {{kGenero, "Rock;Blues"}, {kGeneroSub, "Jazz"}}).Musica(4, {{kGenero, "Jazz"}, {kGeneroSub, "Rock;Jazz"}});
+  x.t.Musica(5, {{kGenero, "Blues"}});
+  x.Conferir(Regra24, "24", {{kSorteio100, {"100"}, {1, 2, 3, 4, 5}}});  // empty history: no draw
   EXPECT_EQ(x.sorteio.sorteios, 0);
   x.t.Tocadas({1});
-  x.sorteio.valor = kSorteio100;
-  EXPECT_EQ(x.t.Aplicar(Regra24, "24", {"100"}), (Codigos{2, 3, 5}));
-  EXPECT_EQ(x.t.Aplicar(Regra27, "27", {"100"}), (Codigos{2, 4}));
-  EXPECT_EQ(x.sorteio.sorteios, 2);
-  x.sorteio.valor = kSorteio1;
-  EXPECT_EQ(x.t.Aplicar(Regra27, "27", {"0,4"}).size(), 5u);  // rounds to 0
-  x.t.Tocadas({5});                                         // an empty GeneroSub matches no genre
-  EXPECT_TRUE(x.t.Aplicar(Regra24, "24", {"1"}).empty());
+  x.Conferir(Regra24, "24", {{kSorteio100, {"100"}, {2, 3, 5}}});
+  x.Conferir(Regra27, "27", {{kSorteio100, {"100"}, {2, 4}}, {kSorteio1, {"0,4"}, {1, 2, 3, 4, 5}}});  // 0,4 rounds to 0
+  EXPECT_EQ(x.sorteio.sorteios, 3);
+  x.t.Tocadas({5});  // an empty GeneroSub matches no genre
+  x.Conferir(Regra24, "24", {{kSorteio1, {"1"}, {}}});
 }
 
 TEST(Regra25, SlotsDeQuatroMinutosOuPosicaoModulo359ENumeroDesconhecidoUsaOLugar0) {
   Teste x;
-  x.t.Musica(1, {{kGenero, "Rock"}, {kEstilo, "Dance"}})
-      .Musica(2, {{kGenero, "Pop;Rock"}})
-      .Musica(3, {{kGenero, "Jazz"}, {kEstilo, "Dance"}});
+  x.t.Musica(1, {{kGenero, "Rock"}, {kEstilo, "Dance"}}).Musica(2, {{kGenero, "Pop;Rock"}});
+  x.t.Musica(3, {{kGenero, "Jazz"}, {kEstilo, "Dance"}});
   TabelasAgenda& a = x.t->agenda;
   a.TabelasNumero[0] = 5;
   a.TabelasNumero[2] = 7;
@@ -133,36 +137,27 @@ TEST(Regra25, SlotsDeQuatroMinutosOuPosicaoModulo359ENumeroDesconhecidoUsaOLugar
   a.TabelasGrade(2, 1, 5) = u"Genero:Rock";
   a.TabelasGrade(2, 358, 0) = u"Genero:Pop";
   a.TabelasGrade(2, 359, 0) = u"Genero:Jazz";
-  auto As = [&](int hora, int minuto, int segundo = 0, const char* tabela = "7") {
+  // By the clock (X2 = 0): 00:04 takes both filters of slot 1, an empty slot filters nothing, and
+  // table 9, unknown, uses place 0.
+  const std::tuple<int, int, int, const char*, Codigos> horas[] = {{0, 3, 59, "7", {1, 2}}, {0, 4, 0, "7", {1}},
+      {23, 59, 0, "7", {3}}, {12, 0, 0, "7", {1, 2, 3}}, {0, 0, 0, "9", {3}}};
+  for (const auto& [hora, minuto, segundo, tabela, mantidas] : horas) {
     x.t->selecao.DataHoraReferencia = MontarDataHora(2026, 11, 22, hora, minuto, segundo);
-    return x.t.Aplicar(Regra25, "25", {tabela, "0"});
-  };
-  auto Posicao = [&](int16_t tocadas) {
+    EXPECT_EQ(x.t.Aplicar(Regra25, "25", {tabela, "0"}), mantidas) << hora << ":" << minuto << " " << tabela;
+  }
+  // By position (X2 = 1): slot 358 asks for Pop, and the artist-style comparison skips the
+  // leading "Pop" of "Pop;Rock".
+  for (const auto& [tocadas, mantidas] : {std::pair<int16_t, Codigos>{1, {1}}, {359, {1, 2}}, {358, {}}}) {
     x.t->SubstituirHistorico([&](Historico& h) { h.TotalTocadas = tocadas; });
-    return x.t.Aplicar(Regra25, "25", {"7", "1"});
-  };
-  EXPECT_EQ(As(0, 3, 59), (Codigos{1, 2}));
-  EXPECT_EQ(As(0, 4), (Codigos{1}));  // both filters of slot 1
-  EXPECT_EQ(As(23, 59), (Codigos{3}));
-  EXPECT_EQ(As(12, 0).size(), 3u);  // an empty slot filters nothing
-  EXPECT_EQ(Posicao(1), (Codigos{1}));
-  EXPECT_EQ(Posicao(359), (Codigos{1, 2}));
-  // Slot 358 asks for Pop, and the artist-style comparison skips the leading "Pop" of "Pop;Rock".
-  EXPECT_TRUE(Posicao(358).empty());
-  EXPECT_EQ(As(0, 0, 0, "9"), (Codigos{3}));
-  x.t->agenda.Limpar();
-  EXPECT_EQ(As(0, 0).size(), 3u);
+    EXPECT_EQ(x.t.Aplicar(Regra25, "25", {"7", "1"}), mantidas) << tocadas;
+  }
 }
 
 TEST(Regra28, ChanceDeTocarOuEvitarOTag) {
   Teste x;
-  x.t.Musica(1, {{kGenero, "Rock"}}).Musica(2, {{kGenero, "Pop"}});
-  x.sorteio.valor = kSorteio100;
-  EXPECT_EQ(x.t.Aplicar(Regra28, "28", {"100", "sim", "Genero:Rock"}), (Codigos{1}));
-  EXPECT_EQ(x.t.Aplicar(Regra28, "28", {"100", "NÃO", "Genero:Rock"}), (Codigos{2}));
-  EXPECT_EQ(x.t.Aplicar(Regra28, "28", {"100", "", "Genero:Rock"}), (Codigos{2}));
-  x.sorteio.valor = kSorteio1;
-  EXPECT_EQ(x.t.Aplicar(Regra28, "28", {"0", "SIM", "Genero:Rock"}).size(), 2u);
+  x.Generos({{1, "Rock"}, {2, "Pop"}});
+  x.Conferir(Regra28, "28", {{kSorteio100, {"100", "sim", "Genero:Rock"}, {1}}, {kSorteio100, {"100", "NÃO", "Genero:Rock"}, {2}},
+                             {kSorteio100, {"100", "", "Genero:Rock"}, {2}}, {kSorteio1, {"0", "SIM", "Genero:Rock"}, {1, 2}}});
   EXPECT_EQ(x.sorteio.sorteios, 4);
 }
 
@@ -173,21 +168,16 @@ TEST(Regra29e30, MarcasDoBancoPorChance) {
     h.HistoricoTipo4[0] = true;
     h.HistoricoTipo5(1, 9) = true;  // a single, old mark
   });
-  x.sorteio.valor = kSorteio100;
-  EXPECT_EQ(x.t.Aplicar(Regra29, "29", {"100"}), (Codigos{1}));
-  EXPECT_EQ(x.t.Aplicar(Regra30, "30", {"100"}), (Codigos{1, 3}));
-  x.sorteio.valor = kSorteio1;
-  EXPECT_EQ(x.t.Aplicar(Regra29, "29", {"0"}).size(), 3u);
-  EXPECT_EQ(x.t.Aplicar(Regra30, "30", {"abc"}).size(), 3u);
-  const int antes = x.sorteio.sorteios;
-  EXPECT_EQ(x.t.Aplicar(Regra30, "30", {"100", "21/11/2026"}).size(), 3u);  // another day: no draw
-  EXPECT_EQ(x.sorteio.sorteios, antes);
+  x.Conferir(Regra29, "29", {{kSorteio100, {"100"}, {1}}, {kSorteio1, {"0"}, {1, 2, 3}}});
+  x.Conferir(Regra30, "30", {{kSorteio100, {"100"}, {1, 3}}, {kSorteio1, {"abc"}, {1, 2, 3}},
+                             {kSorteio100, {"100", "21/11/2026"}, {1, 2, 3}}});
+  EXPECT_EQ(x.sorteio.sorteios, 4);  // one draw a run, none on another day
 }
 
 TEST(Regra31, QuarentenaPorHoraDoDiaComLimitesEstritos) {
   Teste x(MontarDataHora(2026, 11, 22, 14, 0, 0));
   const int horas[][2] = {{12, 30}, {17, 0}, {11, 0}, {18, 0}, {22, 30}};
-  for (int i = 0; i < 5; ++i) x.t.Musica(i + 1);
+  for (int i = 0; i < 6; ++i) x.t.Musica(i + 1);
   x.t->SubstituirHistorico([&](Historico& h) {
     for (int i = 0; i < 5; ++i) {
       h.HistoricoTipo5(i, 0) = true;
@@ -196,7 +186,6 @@ TEST(Regra31, QuarentenaPorHoraDoDiaComLimitesEstritos) {
     h.HistoricoTipo5(4, 1) = true;  // a later cell inside the span counts as well
     h.HistoricoTipo5Datas(4, 1) = MontarDataHora(2026, 1, 1, 15, 0, 0);
   });
-  x.t.Musica(6);
   EXPECT_EQ(x.t.Aplicar(Regra31, "31", {"3"}), (Codigos{2, 3, 4, 6}));
   EXPECT_EQ(x.t.Aplicar(Regra31, "31", {"0"}).size(), 6u);
   x.t->selecao.DataHoraReferencia = MontarDataHora(2026, 11, 22, 23, 0, 0);
@@ -206,18 +195,11 @@ TEST(Regra31, QuarentenaPorHoraDoDiaComLimitesEstritos) {
 
 TEST(Regra32, TrianguloComUmSorteioEArredondamentoPar) {
   Teste x;
-  x.Vibe(1, "5").Vibe(2, "4").Vibe(3, "3,9").Vibe(4, "7,5").Vibe(5, "3").Vibe(6, "4,25").Vibe(
-      7, "5,75");
-  x.sorteio.valor = 0.495f;  // r = 50
-  EXPECT_EQ(x.t.Aplicar(Regra32, "32", {"2"}), (Codigos{1, 2, 6, 7}));
-  EXPECT_EQ(x.sorteio.sorteios, 1);
-  // 4.25 and 5.75 score 62.5, which rounds to 62.
-  x.sorteio.valor = 0.615f;  // r = 62
-  EXPECT_EQ(x.t.Aplicar(Regra32, "32", {"2"}), (Codigos{1, 6, 7}));
-  x.sorteio.valor = 0.625f;  // r = 63
-  EXPECT_EQ(x.t.Aplicar(Regra32, "32", {"2"}), (Codigos{1}));
-  x.sorteio.valor = kSorteio1;  // the edges score 0
-  EXPECT_EQ(x.t.Aplicar(Regra32, "32", {"2"}), (Codigos{1, 2, 3, 6, 7}));
+  x.Vibes({{1, "5"}, {2, "4"}, {3, "3,9"}, {4, "7,5"}, {5, "3"}, {6, "4,25"}, {7, "5,75"}});
+  // Draws of r = 50, 62, 63 and 1: 4.25 and 5.75 score 62.5, which rounds to 62; the edges score 0.
+  x.Conferir(Regra32, "32", {{0.495f, {"2"}, {1, 2, 6, 7}}, {0.615f, {"2"}, {1, 6, 7}}, {0.625f, {"2"}, {1}},
+                             {kSorteio1, {"2"}, {1, 2, 3, 6, 7}}});
+  EXPECT_EQ(x.sorteio.sorteios, 4);  // one draw a run
 
   // Var1 = 0 divides by zero only after the draw has been made.
   x.t.RegraAtual("32", {"0"});
@@ -228,12 +210,10 @@ TEST(Regra32, TrianguloComUmSorteioEArredondamentoPar) {
 
 TEST(Regra33, FaixaDeVibeInclusiva) {
   Teste x;
-  x.Vibe(1, "4").Vibe(2, "6").Vibe(3, "3,5").Vibe(4, "6,5").Vibe(5, "5");
+  x.Vibes({{1, "4"}, {2, "6"}, {3, "3,5"}, {4, "6,5"}, {5, "5"}});
   x.t.Musica(6);  // no vibe: 0
-  EXPECT_EQ(x.t.Aplicar(Regra33, "33", {"1"}), (Codigos{1, 2, 5}));
-  EXPECT_EQ(x.t.Aplicar(Regra33, "33", {"0"}), (Codigos{5}));
-  EXPECT_EQ(x.t.Aplicar(Regra33, "33", {"5"}).size(), 6u);
-  EXPECT_EQ(x.t.Aplicar(Regra33, "33", {"1", "", "11:00", "12:00"}).size(), 6u);
+  x.Conferir(Regra33, "33", {{0, {"1"}, {1, 2, 5}}, {0, {"0"}, {5}}, {0, {"5"}, {1, 2, 3, 4, 5, 6}},
+                             {0, {"1", "", "11:00", "12:00"}, {1, 2, 3, 4, 5, 6}}});
 }
 
 }  // namespace
