@@ -11,14 +11,13 @@ TEST(ConverterDataHora, FormatosAceitosERecusados) {
       {u"22/11/26", "2026-11-22 00:00:00"},       {u"1/1/29", "2029-01-01 00:00:00"},
       {u"31/12/30", "1930-12-31 00:00:00"},       {u"2026-11-22", "2026-11-22 00:00:00"},
       {u"29/02/2028", "2028-02-29 00:00:00"},     {u" 22/11/2026  8:05:09 ", "2026-11-22 08:05:09"},
-      {u"2026-11-22T08:00:00", "2026-11-22 08:00:00"},
+      {u"2026-11-22T08:00:00", "2026-11-22 08:00:00"}, {u"8:00", "1899-12-30 08:00:00"},
       {u"23:59:59", "1899-12-30 23:59:59"}};  // a time alone falls on day zero
   for (const auto& [texto, iso] : casos) {
     const auto d = ConverterDataHora(texto);
     ASSERT_TRUE(d) << ParaUtf8(texto);
     EXPECT_EQ(FormatarIso(*d), iso);
   }
-  EXPECT_EQ(ConverterDataHora(u"8:00")->segundos, 8 * 3600);
   for (const char16_t* t : {u"31/02/2026", u"29/02/2026", u"25:00", u"", u"10:00:60", u"22/11", u"22-11-2026",
                             u"22/11/2026 abc", u"8:00 22/11/2026", u"13/13/2026", u"0/11/2026"})
     EXPECT_FALSE(ConverterDataHora(t)) << ParaUtf8(t);
@@ -36,8 +35,7 @@ TEST(ConverterDataHora, FormaDoGravadorLidaComoPelaLeituraGeral) {
     EXPECT_EQ(DataHoraIsoDeBytes(ParaUtf8(t)), ConverterDataHora(t)) << ParaUtf8(t);
   }
   // Straight from the bytes only the writer's form is read; the general reading takes the rest.
-  EXPECT_FALSE(DataHoraIsoDeBytes(" 2026-11-22 10:00:00"));
-  EXPECT_FALSE(DataHoraIsoDeBytes("22/11/2026 10:00:00"));
+  for (const char* t : {" 2026-11-22 10:00:00", "22/11/2026 10:00:00"}) EXPECT_FALSE(DataHoraIsoDeBytes(t)) << t;
   // Every day of years around century and leap-day edges, at a time of day that moves, against
   // the calendar types' own count.
   for (int ano : {100, 399, 400, 1899, 1900, 2000, 2024, 2100, 9999})
@@ -48,17 +46,12 @@ TEST(ConverterDataHora, FormaDoGravadorLidaComoPelaLeituraGeral) {
       ASSERT_EQ(DataHoraIsoDeBytes(iso), d) << iso;
       ASSERT_EQ(ConverterDataHora(u" " + DeUtf8(iso)), d) << iso;
     }
-  EXPECT_EQ(FormatarIso(*ConverterDataHora(u"2028-02-29 23:59:59")), "2028-02-29 23:59:59");
-  EXPECT_FALSE(ConverterDataHora(u"2026-02-29 10:00:00"));
 }
 
 TEST(DataHora, DatasAntesDoDiaZeroEDiferencaEmMinutos) {
-  DataHora d = MontarDataHora(1899, 12, 29, 18, 30, 15);
-  EXPECT_LT(d.segundos, 0);
+  const DataHora d = MontarDataHora(1899, 12, 29, 18, 30, 15);
   EXPECT_EQ(FormatarIso(d), "1899-12-29 18:30:15");
   EXPECT_EQ(SegundosDoDia(d), 18 * 3600 + 30 * 60 + 15);
-  EXPECT_EQ(FormatarIso(SoData(d)), "1899-12-29 00:00:00");
-  EXPECT_EQ(FormatarIso(SoHora(d)), "1899-12-30 18:30:15");
 
   // Minute boundaries crossed, not seconds elapsed.
   auto h = [](int hh, int mm, int ss) { return MontarDataHora(2026, 11, 22, hh, mm, ss); };

@@ -1,9 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdio>
-
 #include <cstdint>
+#include <cstdio>
 
 #include "apoio/estacao.h"
 #include "base/erro.h"
@@ -20,14 +19,11 @@ TEST(ValorNumerico, AceitaVirgulaEPontoERecusaOResto) {
       {u"12345678901234567890", 12345678901234567890.0},  // correctly rounded, not accumulated
       {u"-" + std::u16string(70, u'0') + u"7,5", -7.5}};
   for (const auto& [texto, valor] : casos) EXPECT_EQ(ValorNumerico(texto), valor) << ParaUtf8(texto);
-  EXPECT_TRUE(EhNumerico(u"12"));
-  EXPECT_FALSE(EhNumerico(u""));
+  EXPECT_TRUE(EhNumerico(u"12") && !EhNumerico(u""));
 
   // Past the double's range is not a number; too small to tell from zero is zero.
   const std::u16string enorme = u"8" + std::u16string(400, u'6');
   EXPECT_FALSE(ConverterNumero(enorme).has_value());
-  EXPECT_EQ(ValorNumerico(enorme), 0);
-  EXPECT_EQ(ErroDe([&] { TextoParaInteiro32(enorme); }), CodigoErro::TiposIncompativeis);
   EXPECT_EQ(ConverterNumero(u"0," + std::u16string(400, u'0') + u"1"), 0.0);
 }
 
@@ -43,8 +39,9 @@ TEST(ParaInteiro, EstouroNosLimitesETextoQueNaoENumero) {
   EXPECT_EQ(ErroDe([] { TextoParaInteiro16(u"40000"); }), CodigoErro::Estouro);
 }
 
-// Whole numbers and halves take a short way; it must write what the formatted print writes.
-TEST(FormatarNumero, InteirosEMetadesComoAFormaGeral) {
+// Whole numbers and halves take a short way; it must write what the formatted print writes,
+// with a comma, fifteen significant digits and -0 as 0.
+TEST(FormatarNumero, ComoAFormaGeralEZerosAEsquerda) {
   auto Impresso = [](double v) {
     char buffer[64];
     std::snprintf(buffer, sizeof buffer, v == std::trunc(v) && std::fabs(v) < 1e15 ? "%.0f" : "%.15G", v);
@@ -52,17 +49,10 @@ TEST(FormatarNumero, InteirosEMetadesComoAFormaGeral) {
     for (const char* p = buffer; *p; ++p) texto.push_back(*p == '.' ? u',' : static_cast<char16_t>(*p));
     return v == 0 ? Texto(u"0") : texto;
   };
-  for (double v : {0.5, -0.5, 1.0, -1.0, 2.5, -7.5, 99999.5, 4e12 + 0.5, -9.99e12, 123456789012.0, 9.5e12, 1.5e13, 3e15})
+  for (double v : {-0.0, 1.0 / 3, 0.1 + 0.2, 4e12 + 0.5, -9.99e12, 123456789012.0, 9.5e12, 1.5e13, 3e15})
     EXPECT_EQ(FormatarNumero(v), Impresso(v)) << v;
   for (int metades = -4001; metades <= 4001; ++metades)
     ASSERT_EQ(FormatarNumero(metades / 2.0), Impresso(metades / 2.0)) << metades;
-}
-
-TEST(FormatarNumero, VirgulaQuinzeDigitosEZeros) {
-  EXPECT_EQ(FormatarNumero(-0.0), u"0");
-  EXPECT_EQ(FormatarNumero(1.0 / 3), u"0,333333333333333");
-  EXPECT_EQ(FormatarNumero(0.1 + 0.2), u"0,3");
-  EXPECT_EQ(FormatarNumero(123456789012), u"123456789012");
   EXPECT_EQ(FormatarZeros(123, 7), "0000123");
   EXPECT_EQ(FormatarZeros(12345678, 7), "12345678");
   EXPECT_EQ(FormatarZeros(-5, 7), "-0000005");

@@ -10,23 +10,16 @@ namespace fs = std::filesystem;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* dados, size_t tamanho) {
   static const std::unique_ptr<TabelasAgenda> agenda = std::make_unique<TabelasAgenda>();
-  static const fs::path pasta = [] {
-    const fs::path p = fuzz::PastaDeTrabalho() / "dados";
-    fs::create_directories(p);
-    return p;
-  }();
+  static const fs::path pasta = fuzz::PastaDeTrabalho("dados");
   if (tamanho < 1) return 0;
   const long lugar = dados[0] % kLugaresAgenda;
   const fs::path arquivo = ArquivoTabelaAgenda(pasta, lugar);
   fuzz::Gravar(arquivo, fuzz::ArquivoCodificado(dados, tamanho));
 
   fuzz::SoErroExecucao([&] { CarregarTabelaAgenda(ArquivosReais(), *agenda, lugar, arquivo); });
-  try {
-    agenda->Limpar();
-    CarregarTabelasAgenda(ArquivosReais(), *agenda, pasta);
-  } catch (...) {
+  agenda->Limpar();
+  if (fuzz::ErroDe([&] { CarregarTabelasAgenda(ArquivosReais(), *agenda, pasta); }))
     fuzz::Falha("CarregarTabelasAgenda levantou erro");
-  }
   fs::remove(arquivo);
   return 0;
 }

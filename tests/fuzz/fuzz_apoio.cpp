@@ -12,14 +12,9 @@ namespace lumavox::fuzz {
 namespace {
 
 struct Pasta {
-  fs::path caminho;
-  Pasta() {
-    std::error_code ec;
-    // Memory-backed when the machine has it: targets write a file per input.
-    const fs::path base = fs::is_directory("/dev/shm", ec) ? fs::path("/dev/shm") : fs::temp_directory_path();
-    caminho = base / ("lumavox-fuzz-" + std::to_string(::getpid()));
-    fs::create_directories(caminho);
-  }
+  // Memory-backed when the machine has it: targets write a file per input.
+  const fs::path caminho = (fs::is_directory("/dev/shm") ? fs::path("/dev/shm") : fs::temp_directory_path()) /
+                           ("lumavox-fuzz-" + std::to_string(::getpid()));
   ~Pasta() {
     std::error_code ec;
     fs::remove_all(caminho, ec);
@@ -28,9 +23,10 @@ struct Pasta {
 
 }  // namespace
 
-const fs::path& PastaDeTrabalho() {
-  static Pasta pasta;
-  return pasta.caminho;
+fs::path PastaDeTrabalho(std::string_view nome) {
+  static const Pasta pasta;
+  fs::create_directories(pasta.caminho / nome);
+  return pasta.caminho / nome;
 }
 
 void Gravar(const fs::path& arquivo, std::string_view bytes) {
@@ -48,11 +44,7 @@ std::string ArquivoCodificado(const uint8_t* dados, size_t tamanho) {
   while (!resto.empty()) {
     const size_t fim = resto.find('\n');
     std::string_view linha = resto.substr(0, fim);
-    if (!linha.empty() && linha.front() == '!') {
-      arquivo.append(linha.substr(1));
-    } else {
-      arquivo += ParaUtf8(CodificarLinha(DeUtf8(linha)));
-    }
+    arquivo += linha.starts_with('!') ? std::string(linha.substr(1)) : ParaUtf8(CodificarLinha(DeUtf8(linha)));
     arquivo += fimDeLinha;
     if (fim == std::string_view::npos) break;
     resto.remove_prefix(fim + 1);

@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <exception>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -17,8 +18,8 @@ namespace lumavox::fuzz {
 
 namespace fs = std::filesystem;
 
-// A folder of this process, made on first use and removed at exit.
-const fs::path& PastaDeTrabalho();
+// A folder of this process, removed at exit, or the folder `nome` in it; made when missing.
+fs::path PastaDeTrabalho(std::string_view nome = "");
 
 void Gravar(const fs::path& arquivo, std::string_view bytes);
 
@@ -33,19 +34,23 @@ std::string ArquivoCodificado(const uint8_t* dados, size_t tamanho);
   std::abort();
 }
 
-// Runs `acao`; an ErroExecucao is a normal outcome for bad input, anything else is a defect.
-// True when `acao` returned normally.
+// Runs `acao`: the code of the ErroExecucao it raises, a normal outcome for bad input, or
+// nothing when it returns normally. Any other exception is a defect.
 template <typename F>
-bool SoErroExecucao(F&& acao) {
+std::optional<CodigoErro> ErroDe(F&& acao) {
   try {
     acao();
-    return true;
-  } catch (const ErroExecucao&) {
-    return false;
+    return std::nullopt;
+  } catch (const ErroExecucao& e) {
+    return e.Codigo();
   } catch (const std::exception& e) {
     std::fprintf(stderr, "exceção inesperada: %s\n", e.what());
     std::abort();
   }
 }
+
+// True when `acao` returned normally.
+template <typename F>
+bool SoErroExecucao(F&& acao) { return !ErroDe(acao); }
 
 }  // namespace lumavox::fuzz

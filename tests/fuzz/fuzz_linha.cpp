@@ -13,17 +13,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-bool Utf16BemFormado(std::u16string_view t) {
-  for (size_t i = 0; i < t.size(); ++i) {
-    const bool alto = t[i] >= 0xD800 && t[i] <= 0xDBFF, baixo = t[i] >= 0xDC00 && t[i] <= 0xDFFF;
-    if (alto && i + 1 < t.size() && t[i + 1] >= 0xDC00 && t[i + 1] <= 0xDFFF) {
-      ++i;
-    } else if (alto || baixo) {
-      return false;
-    }
-  }
-  return true;
-}
+// A lone surrogate comes back from UTF-8 as U+FFFD; a well-formed text comes back as it was.
+bool Utf16BemFormado(std::u16string_view t) { return DeUtf8(ParaUtf8(t)) == t; }
 
 }  // namespace
 
@@ -47,20 +38,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* dados, size_t tamanho) {
     fuzz::Falha("texto UTF-16 não sobrevive a codificar e decodificar");
 
   // The bytes as a file: the reader hands over the same lines as decoding each text line.
-  const fs::path arquivo = fuzz::PastaDeTrabalho() / "linhas.rdb";
+  static const fs::path arquivo = fuzz::PastaDeTrabalho() / "linhas.rdb";
   fuzz::Gravar(arquivo, bytes);
   std::vector<Texto> lidas, esperadas;
-  std::optional<CodigoErro> erroLido, erroEsperado;
-  try {
-    ParaCadaLinhaCodificada(ArquivosReais(), arquivo, [&](Texto&& t) { lidas.push_back(std::move(t)); });
-  } catch (const ErroExecucao& e) {
-    erroLido = e.Codigo();
-  }
-  try {
+  const auto erroLido = fuzz::ErroDe(
+      [&] { ParaCadaLinhaCodificada(ArquivosReais(), arquivo, [&](Texto&& t) { lidas.push_back(std::move(t)); }); });
+  const auto erroEsperado = fuzz::ErroDe([&] {
     for (const Texto& t : DividirLinhas(DecodificarBytes(bytes))) esperadas.push_back(DecodificarLinha(t));
-  } catch (const ErroExecucao& e) {
-    erroEsperado = e.Codigo();
-  }
+  });
   if (lidas != esperadas || erroLido != erroEsperado)
     fuzz::Falha("leitura do arquivo difere da decodificação linha a linha");
   return 0;

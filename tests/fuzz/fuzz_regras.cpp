@@ -21,11 +21,7 @@ struct Bancada {
   std::unique_ptr<Motor> motor;
 
   Bancada() {
-    cli::OpcoesDemo op;
-    op.musicas = 120;
-    op.bytesMre = 1;
-    op.playlistNoturna = false;
-    cli::GerarEstacaoDemo(pasta, op);
+    cli::GerarEstacaoDemo(pasta, {.musicas = 120, .bytesMre = 1, .playlistNoturna = false});
     motor = std::make_unique<Motor>(pasta, ambiente);
     motor->DefinirOrigemHistorico(std::make_unique<OrigemHistoricoBanco>(pasta));
     motor->Iniciar();
@@ -46,12 +42,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* dados, size_t tamanho) {
   fuzz::Gravar(arquivo, fuzz::ArquivoCodificado(dados + 1, tamanho - 1));
 
   const int conjunto = ConjuntoDoNivel(nivel);
-  const int16_t antes = e.catalogo.QuantidadeRegras[static_cast<size_t>(conjunto)];
-  if (!fuzz::SoErroExecucao([&] { CarregarArquivoRegras(ArquivosReais(), e.catalogo, conjunto, arquivo); })) {
-    if (e.catalogo.QuantidadeRegras[static_cast<size_t>(conjunto)] != antes)
-      fuzz::Falha("leitura que parou mudou QuantidadeRegras");
-    return 0;
-  }
+  const int16_t& regras = e.catalogo.QuantidadeRegras[static_cast<size_t>(conjunto)];
+  const int16_t antes = regras;
+  const bool leu = fuzz::SoErroExecucao([&] { CarregarArquivoRegras(ArquivosReais(), e.catalogo, conjunto, arquivo); });
+  if (!leu && regras != antes) fuzz::Falha("leitura que parou mudou QuantidadeRegras");
+  if (!leu) return 0;
 
   const long total = e.acervo().TotalMusicas;
   Selecao& s = e.selecao;
@@ -61,14 +56,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* dados, size_t tamanho) {
   s.DataHoraReferencia = bancada.ambiente.Agora();
   s.ModoComparacaoArtista = static_cast<int16_t>(dados[0] % 3);
   s.CliqueAtual = (dados[0] & 0x80) ? 1 : 0;
-  const long regras = e.catalogo.QuantidadeRegras[static_cast<size_t>(conjunto)];
   for (long r = 0; r < regras && r < kMaximoRegras; ++r, ++s.RegraNumero) {
     if (!e.catalogo.CatalogoRegras(conjunto, r).Ativo) continue;
-    try {
-      AplicarRegra(e, true, r, nivel);
-    } catch (...) {
-      fuzz::Falha("AplicarRegra deixou escapar um erro");
-    }
+    if (fuzz::ErroDe([&] { AplicarRegra(e, true, r, nivel); })) fuzz::Falha("AplicarRegra deixou escapar um erro");
     long restantes = 0;
     for (long i = 0; i < total; ++i) restantes += s.MusicaCandidata[i] ? 1 : 0;
     if (restantes == 0) fuzz::Falha("uma regra deixou a seleção sem candidatas");

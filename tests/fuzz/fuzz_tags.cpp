@@ -12,20 +12,17 @@
 #include "rules/tags.h"
 
 using namespace lumavox;
-namespace fs = std::filesystem;
 
 namespace {
 
+// The last part keeps every 0x1F left; parts past the end are empty.
 std::vector<Texto> Partes(std::string_view bytes, size_t quantas) {
-  std::vector<Texto> partes;
-  while (partes.size() + 1 < quantas) {
-    const size_t corte = bytes.find('\x1f');
-    if (corte == std::string_view::npos) break;
-    partes.push_back(DecodificarBytes(bytes.substr(0, corte)));
-    bytes.remove_prefix(corte + 1);
+  std::vector<Texto> partes(quantas);
+  for (size_t i = 0, corte = 0; i < quantas && corte != std::string_view::npos; ++i) {
+    corte = i + 1 < quantas ? bytes.find('\x1f') : std::string_view::npos;
+    partes[i] = DecodificarBytes(bytes.substr(0, corte));
+    bytes.remove_prefix(corte == std::string_view::npos ? bytes.size() : corte + 1);
   }
-  partes.push_back(DecodificarBytes(bytes));
-  partes.resize(quantas);
   return partes;
 }
 
@@ -55,8 +52,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* dados, size_t tamanho) {
   const int16_t campo = static_cast<int16_t>(dados[0] % kCampos);
   const int16_t modo = static_cast<int16_t>(dados[0] / kCampos) - 2;  // -2..5
   e.selecao.ModoComparacaoArtista = modo;
-  const std::vector<Texto> partes =
-      Partes(std::string_view(reinterpret_cast<const char*>(dados) + 1, tamanho - 1), 4);
+  const std::string_view bytes(reinterpret_cast<const char*>(dados), tamanho);
+  const std::vector<Texto> partes = Partes(bytes.substr(1), 4);
   const Texto& filtro = partes[0];
   const std::vector<Texto> tags(partes.begin() + 1, partes.end());
   e.CarregarAcervo([&](Acervo& a) {
@@ -72,7 +69,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* dados, size_t tamanho) {
   // A warm cache (every earlier input left its texts in it) answers as an empty one does.
   // Emptying it reallocates the per-slot table, so only one input in 64 pays for the check.
   const std::vector<bool> quente = Perguntar(e, filtro, campo, tags);
-  if (std::hash<std::string_view>{}(std::string_view(reinterpret_cast<const char*>(dados), tamanho)) % 64 == 0) {
+  if (std::hash<std::string_view>{}(bytes) % 64 == 0) {
     e.cacheTags.Limpar();
     if (Perguntar(e, filtro, campo, tags) != quente) fuzz::Falha("cache de tags deu outra resposta");
   }
