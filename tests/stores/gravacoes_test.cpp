@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <chrono>
 #include <cstdlib>
-#include <memory>
 
 #include "apoio/estacao.h"
 
@@ -16,18 +16,16 @@ using teste::EstacaoTeste;
 class Gravacoes : public ::testing::Test {
  protected:
   Gravacoes() {
-    estacao.Musica(1, {{"Artista", "Ána Ção"}, {"Ritmo", "Lenta;"}}).Musica(2, {{"Artista", "Bia"}}).Musica(3);
-    estacao.GravarAcervo();
+    estacao.Musica(1, {{"Artista", "Ána Ção"}, {"Ritmo", "Lenta;"}}).Musica(2, {{"Artista", "Bia"}});
+    estacao.Musica(3).GravarAcervo();
     Acervo a;
     a.CaminhoApp = estacao.Pasta();
     CarregarColecao(ArquivosReais(), a, estacao.Pasta(), nullptr, &gravacao);
-    insumos.lxdb = {1, 2, 3, 4, 5};
-    insumos.mre = {1, 9, 0, 4, 5};
   }
 
   EstacaoTeste estacao;
   GravacaoAcervo gravacao;
-  InsumosGravacao insumos;
+  InsumosGravacao insumos{{1, 2, 3, 4, 5}, {1, 9, 0, 4, 5}};
 };
 
 bool Igual(const GravacaoAcervo& a, const GravacaoAcervo& b) {
@@ -40,45 +38,32 @@ bool Igual(const GravacaoAcervo& a, const GravacaoAcervo& b) {
 // byte, a file cut short or grown, other inputs or another build's record is no record.
 TEST_F(Gravacoes, SoORegistroIntactoDosMesmosInsumosEDoMesmoProgramaVale) {
   const std::string bytes = SerializarGravacao(gravacao, insumos, "id");
-  auto lida = LerGravacao(bytes, insumos, "id");
-  ASSERT_TRUE(lida);
-  EXPECT_TRUE(Igual(*lida, gravacao));
   // Latin-1 texts are kept a byte each; one character beyond it keeps them all as they are.
   GravacaoAcervo larga = gravacao;
   larga.textos[0] = u'Ő';
-  const std::string bytesLargos = SerializarGravacao(larga, insumos, "id");
-  EXPECT_GT(bytesLargos.size(), bytes.size() + larga.textos.size() / 2);
-  auto lidaLarga = LerGravacao(bytesLargos, insumos, "id");
-  ASSERT_TRUE(lidaLarga);
-  EXPECT_TRUE(Igual(*lidaLarga, larga));
+  EXPECT_GT(SerializarGravacao(larga, insumos, "id").size(), bytes.size() + larga.textos.size() / 2);
+  for (const GravacaoAcervo* g : {&gravacao, &larga})
+    EXPECT_TRUE(Igual(LerGravacao(SerializarGravacao(*g, insumos, "id"), insumos, "id").value(), *g));
 
+  std::vector<std::string> ruins{bytes + '\0'};
   for (size_t i = 0; i < bytes.size(); i += 7) {
-    std::string danificado = bytes;
-    danificado[i] = static_cast<char>(danificado[i] ^ (1 << (i % 8)));
-    ASSERT_FALSE(LerGravacao(danificado, insumos, "id")) << "byte " << i;
+    ruins.push_back(bytes);
+    ruins.back()[i] = static_cast<char>(bytes[i] ^ (1 << (i % 8)));
   }
-  for (size_t n = 0; n < bytes.size(); n += 13) ASSERT_FALSE(LerGravacao(bytes.substr(0, n), insumos, "id")) << n;
-  EXPECT_FALSE(LerGravacao(bytes + '\0', insumos, "id"));
+  for (size_t n = 0; n < bytes.size(); n += 13) ruins.push_back(bytes.substr(0, n));
+  // Records whose checksum is right but whose shape is not: counts that do not add up.
+  GravacaoAcervo tortas[3] = {gravacao, gravacao, gravacao};
+  tortas[0].tamanhos.pop_back();
+  tortas[1].textos += u"x";
+  tortas[2].total = static_cast<int16_t>(kTotalSlots + 1);
+  for (const GravacaoAcervo& t : tortas) ruins.push_back(SerializarGravacao(t, insumos, "id"));
+  for (size_t i = 0; i < ruins.size(); ++i) ASSERT_FALSE(LerGravacao(ruins[i], insumos, "id")) << i;
 
-  InsumosGravacao outros = insumos;
-  outros.lxdb.mudadoNs += 1;
-  EXPECT_FALSE(LerGravacao(bytes, outros, "id"));
-  outros = insumos;
-  outros.mre.inode += 1;
-  EXPECT_FALSE(LerGravacao(bytes, outros, "id"));
-  EXPECT_FALSE(LerGravacao(bytes, insumos, "outro"));
-  EXPECT_FALSE(LerGravacao(bytes, insumos, ""));
-
-  // A record whose checksum is right but whose shape is not: counts that do not add up.
-  GravacaoAcervo torta = gravacao;
-  torta.tamanhos.pop_back();
-  EXPECT_FALSE(LerGravacao(SerializarGravacao(torta, insumos, "id"), insumos, "id"));
-  torta = gravacao;
-  torta.textos += u"x";
-  EXPECT_FALSE(LerGravacao(SerializarGravacao(torta, insumos, "id"), insumos, "id"));
-  torta = gravacao;
-  torta.total = static_cast<int16_t>(kTotalSlots + 1);
-  EXPECT_FALSE(LerGravacao(SerializarGravacao(torta, insumos, "id"), insumos, "id"));
+  InsumosGravacao outros[2] = {insumos, insumos};
+  outros[0].lxdb.mudadoNs += 1;
+  outros[1].mre.inode += 1;
+  for (const InsumosGravacao& o : outros) EXPECT_FALSE(LerGravacao(bytes, o, "id"));
+  for (const char* id : {"outro", ""}) EXPECT_FALSE(LerGravacao(bytes, insumos, id)) << id;
 }
 
 TEST_F(Gravacoes, PastaGuardaLeEPodaSemNuncaFalhar) {
@@ -86,13 +71,10 @@ TEST_F(Gravacoes, PastaGuardaLeEPodaSemNuncaFalhar) {
   GuardaGravacoes guarda(ArquivosReais(), pasta, "id");
   EXPECT_FALSE(guarda.Buscar(insumos));  // no folder yet
   guarda.Guardar(insumos, gravacao);
-  auto lida = guarda.Buscar(insumos);
-  ASSERT_TRUE(lida);
-  EXPECT_TRUE(Igual(*lida, gravacao));
-  EXPECT_FALSE(GuardaGravacoes(ArquivosReais(), pasta, "outro").Buscar(insumos));
-  // A build without an identity neither reads nor writes records.
-  GuardaGravacoes semIdentidade(ArquivosReais(), pasta, "");
-  EXPECT_FALSE(semIdentidade.Buscar(insumos));
+  EXPECT_TRUE(Igual(guarda.Buscar(insumos).value(), gravacao));
+  // Another build's records, or any for a build without an identity, are not read.
+  for (const char* id : {"outro", ""})
+    EXPECT_FALSE(GuardaGravacoes(ArquivosReais(), pasta, id).Buscar(insumos)) << id;
 
   // A garbage file in the record's place is no record, and the next write replaces it.
   estacao.GravarTexto(fs::relative(guarda.Arquivo(insumos), estacao.Pasta()).string(), "lixo");
@@ -104,10 +86,10 @@ TEST_F(Gravacoes, PastaGuardaLeEPodaSemNuncaFalhar) {
   // files of other names are never touched.
   const auto antigo = fs::file_time_type::clock::now() - std::chrono::hours(2);
   fs::last_write_time(guarda.Arquivo(insumos), antigo);
-  estacao.GravarTexto("cache/lumavox/acervo-x.lxg-tmp", "meio");
-  fs::last_write_time(pasta / "acervo-x.lxg-tmp", antigo);
-  estacao.GravarTexto("cache/lumavox/notas.lxg", "de alguém");
-  fs::last_write_time(pasta / "notas.lxg", antigo);
+  for (const std::string nome : {"acervo-x.lxg-tmp", "notas.lxg"}) {
+    estacao.GravarTexto("cache/lumavox/" + nome, "meio");
+    fs::last_write_time(pasta / nome, antigo);
+  }
   for (uint64_t i = 0; i < GuardaGravacoes::kMaximoArquivos; ++i) {
     InsumosGravacao outros = insumos;
     outros.lxdb.inode = 100 + i;
@@ -116,9 +98,7 @@ TEST_F(Gravacoes, PastaGuardaLeEPodaSemNuncaFalhar) {
   EXPECT_FALSE(fs::exists(guarda.Arquivo(insumos)));
   EXPECT_FALSE(fs::exists(pasta / "acervo-x.lxg-tmp"));
   EXPECT_TRUE(fs::exists(pasta / "notas.lxg"));
-  size_t registros = 0;
-  for (const auto& e : fs::directory_iterator(pasta)) registros += e.path().filename().string().starts_with("acervo-");
-  EXPECT_EQ(registros, GuardaGravacoes::kMaximoArquivos);
+  EXPECT_EQ(estacao.Nomes("cache/lumavox").size(), GuardaGravacoes::kMaximoArquivos + 1);  // and notas.lxg
 
   // A folder that cannot be made (a file stands in its way) just keeps no records.
   estacao.GravarTexto("bloqueio", "");
@@ -128,23 +108,22 @@ TEST_F(Gravacoes, PastaGuardaLeEPodaSemNuncaFalhar) {
 }
 
 TEST(PastaGravacoes, VariaveisDoUsuarioEDoServico) {
-  auto Com = [](const char* cache, const char* servico, const char* xdg, const char* home) {
-    auto Definir = [](const char* nome, const char* v) { v ? setenv(nome, v, 1) : unsetenv(nome); };
-    Definir("LUMAVOX_CACHE", cache);
-    Definir("CACHE_DIRECTORY", servico);
-    Definir("XDG_CACHE_HOME", xdg);
-    Definir("HOME", home);
+  const char* const nomes[] = {"LUMAVOX_CACHE", "CACHE_DIRECTORY", "XDG_CACHE_HOME", "HOME"};
+  auto Com = [&](std::array<const char*, 4> valores) {
+    for (size_t i = 0; i < 4; ++i) valores[i] ? setenv(nomes[i], valores[i], 1) : unsetenv(nomes[i]);
     return PastaGravacoesDoUsuario();
   };
   const char* home = std::getenv("HOME");
   const std::string homeAntes = home ? home : "";
-  EXPECT_EQ(Com("/c", "/s", "/x", "/h"), fs::path("/c"));
-  EXPECT_EQ(Com("", "/s", "/x", "/h"), std::nullopt);
-  EXPECT_EQ(Com(nullptr, "/s:/t", "/x", "/h"), fs::path("/s"));
-  EXPECT_EQ(Com(nullptr, nullptr, "/x", "/h"), fs::path("/x/lumavox"));
-  EXPECT_EQ(Com(nullptr, nullptr, "relativo", "/h"), fs::path("/h/.cache/lumavox"));
-  EXPECT_EQ(Com(nullptr, nullptr, nullptr, nullptr), std::nullopt);
-  Com(nullptr, nullptr, nullptr, home ? homeAntes.c_str() : nullptr);
+  const std::pair<std::array<const char*, 4>, std::optional<fs::path>> casos[] = {
+      {{"/c", "/s", "/x", "/h"}, "/c"},
+      {{"", "/s", "/x", "/h"}, std::nullopt},
+      {{nullptr, "/s:/t", "/x", "/h"}, "/s"},
+      {{nullptr, nullptr, "/x", "/h"}, "/x/lumavox"},
+      {{nullptr, nullptr, "relativo", "/h"}, "/h/.cache/lumavox"},
+      {{nullptr, nullptr, nullptr, nullptr}, std::nullopt}};
+  for (size_t i = 0; i < std::size(casos); ++i) EXPECT_EQ(Com(casos[i].first), casos[i].second) << i;
+  Com({nullptr, nullptr, nullptr, home ? homeAntes.c_str() : nullptr});
 }
 
 }  // namespace

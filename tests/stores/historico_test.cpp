@@ -11,7 +11,6 @@
 #include "stores/banco_sqlite.h"
 #include "stores/historico_banco.h"
 #include "stores/historico_fonte.h"
-#include "stores/historico_mdb.h"
 #include "stores/historico_sqlite.h"
 
 namespace lumavox {
@@ -20,9 +19,7 @@ namespace {
 using teste::EstacaoTeste;
 using teste::EstadoTeste;
 
-DataHora Dia(int dia, int hora = 0, int minuto = 0) {
-  return MontarDataHora(2026, 11, dia, hora, minuto, 0);
-}
+DataHora Dia(int dia, int hora = 0, int minuto = 0) { return MontarDataHora(2026, 11, dia, hora, minuto, 0); }
 const DataHora kAntiga = MontarDataHora(2000, 1, 1);
 
 // A collection of songs 101..103 (slots 0..2) whose history holds marks from an earlier load,
@@ -43,8 +40,11 @@ class CargaHistorico : public ::testing::Test {
   }
   const Historico& H() { return estado->historico(); }
   fs::path Banco() const { return estacao.Caminho(kArquivoLogsSqlite); }
-  void Carregar() { Carregar(OrigemHistoricoBanco(estacao.Pasta())); }
-  void Carregar(OrigemHistorico&& origem) {
+  void Carregar() {
+    OrigemHistoricoBanco origem(estacao.Pasta());
+    Carregar(origem);
+  }
+  void Carregar(OrigemHistorico& origem) {
     estado->SubstituirHistorico([&](Historico& h) { origem.CarregarMusicasTocadas(h, estado->acervo()); });
   }
   void Carregar(FonteLogs& fonte) {
@@ -55,11 +55,18 @@ class CargaHistorico : public ::testing::Test {
   EstacaoTeste estacao;
 };
 
-TEST_F(CargaHistorico, SeiscentasTocadasGuardamAsQuinhentasMaisNovas) {
-  std::vector<RegistroLog> registros;
-  for (int i = 1; i <= 600; ++i) registros.push_back({1000 + i, SomarSegundos(Dia(1), 60 * i), 0});
-  registros.push_back({5, Dia(20), 4});  // other types never reach the plays
-  BancoLogs(Banco()).Registrar(registros);
+TEST_F(CargaHistorico, QuinhentasTocadasMaisNovasEMarcasDeTipo4E5PorSlot) {
+  estado->CarregarAcervo([](Acervo& a) {
+    a.AcervoCodigos[10] = 900;  // stale slot past the loaded songs
+    a.AcervoCodigos[11] = 102;  // a later copy of a loaded code
+  });
+  std::vector<RegistroLog> r;
+  for (int i = 1; i <= 600; ++i) r.push_back({1000 + i, SomarSegundos(Dia(1), 60 * i), 0});
+  // Twelve type-5 entries of song 103, out of order: days 1..12 at 08:00. Code 555 is not in the
+  // collection. Entries of other types, though newer, never reach the plays.
+  for (int d : {5, 1, 12, 7, 3, 9, 11, 2, 8, 4, 10, 6}) r.push_back({103, Dia(d, 8), 5});
+  r.insert(r.end(), {{102, Dia(3), 4}, {900, Dia(2), 4}, {900, Dia(2), 5}, {555, Dia(2), 4}, {555, Dia(2), 5}});
+  BancoLogs(Banco()).Registrar(r);
   Carregar();
   EXPECT_EQ(H().HistoricoCodigos[-1], 1600);
   EXPECT_EQ(H().HistoricoCodigos[-500], 1101);
@@ -67,33 +74,6 @@ TEST_F(CargaHistorico, SeiscentasTocadasGuardamAsQuinhentasMaisNovas) {
   // Outside the database's positions nothing is touched.
   EXPECT_EQ(H().HistoricoCodigos[-501], 7);
   EXPECT_EQ(H().HistoricoCodigos[0], 7);
-}
-
-TEST_F(CargaHistorico, BancoVazioZeraPosicoesELimpaMarcas) {
-  CriarBancoLogs(Banco());
-  Carregar();
-  for (long p = -500; p <= -1; ++p) ASSERT_EQ(H().HistoricoCodigos[p], 0) << p;
-  EXPECT_EQ(H().HistoricoDatas[-1], kAntiga);  // only the codes are cleared
-  EXPECT_FALSE(H().HistoricoTipo4[1]);
-  EXPECT_FALSE(H().HistoricoTipo5(1, 0));
-}
-
-TEST_F(CargaHistorico, MarcasDeTipo4E5PorSlot) {
-  estado->CarregarAcervo([](Acervo& a) {
-    a.AcervoCodigos[10] = 900;  // stale slot past the loaded songs
-    a.AcervoCodigos[11] = 102;  // a later copy of a loaded code
-  });
-  std::vector<RegistroLog> r;
-  // Twelve type-5 entries of song 103, out of order: days 1..12 at 08:00.
-  for (int d : {5, 1, 12, 7, 3, 9, 11, 2, 8, 4, 10, 6}) r.push_back({103, Dia(d, 8), 5});
-  r.push_back({102, Dia(3), 4});
-  r.push_back({900, Dia(2), 4});
-  r.push_back({900, Dia(2), 5});
-  r.push_back({555, Dia(2), 4});  // not in the collection
-  r.push_back({555, Dia(2), 5});
-  BancoLogs(Banco()).Registrar(r);
-  Carregar();
-
   EXPECT_TRUE(H().HistoricoTipo4[1]);  // the first slot of a code, not its later copy
   EXPECT_TRUE(H().HistoricoTipo4[10]);
   EXPECT_TRUE(H().HistoricoTipo5(10, 0));
@@ -111,8 +91,7 @@ TEST_F(CargaHistorico, MarcasDeTipo4E5PorSlot) {
   EXPECT_EQ(marcados, 2 + 1 + 10);
 }
 
-// Rows handed over as written; a query named in `falha` cannot run, and `falhaApos` rows into
-// a walk the database breaks.
+// Rows handed over as written; each query's walk breaks `falhaApos` rows in (0: it cannot run).
 struct FonteFalsa : FonteLogs {
   struct Cursor : CursorLogs {
     std::vector<LinhaLogs> linhas;
@@ -126,56 +105,54 @@ struct FonteFalsa : FonteLogs {
   };
   void Abrir() override {}
   std::unique_ptr<CursorLogs> Consultar(ConsultaLogs c) override {
-    if (c == falha) throw ErroExecucao(CodigoErro::ErroDeEntradaSaida, "no such table");
     auto cursor = std::make_unique<Cursor>();
     cursor->linhas = linhas[static_cast<int>(c)];
-    if (c == quebra) cursor->falhaApos = falhaApos;
+    cursor->falhaApos = falhaApos[static_cast<int>(c)];
     return cursor;
   }
   std::vector<LinhaLogs> linhas[3];
-  std::optional<ConsultaLogs> falha, quebra;
-  size_t falhaApos = 0;
+  size_t falhaApos[3] = {SIZE_MAX, SIZE_MAX, SIZE_MAX};
 };
 
-TEST_F(CargaHistorico, ValorRuimPulaSoAquelaAtribuicao) {
+TEST_F(CargaHistorico, ValorRuimPulaSoAquelaAtribuicaoEConsultaQueFalhaEncerraACarga) {
   FonteFalsa f;
   f.linhas[0] = {{1.0, 101.0, Dia(3)},
                  {2.0, 3e9, Dia(2)},                          // code overflows: date still lands
                  {3.0, Texto(u"102"), Texto(u"not a date")},  // date stays as it was
                  {4.0, std::monostate{}, Texto(u"2026-11-01 10:00:00")}};
+  f.falhaApos[static_cast<int>(ConsultaLogs::Tipo4)] = 0;
   Carregar(f);
-  EXPECT_EQ(H().HistoricoCodigos[-1], 101);
-  EXPECT_EQ(H().HistoricoCodigos[-2], 0);
-  EXPECT_EQ(H().HistoricoDatas[-2], Dia(2));
-  EXPECT_EQ(H().HistoricoCodigos[-3], 102);
-  EXPECT_EQ(H().HistoricoDatas[-3], kAntiga);
-  EXPECT_EQ(H().HistoricoCodigos[-4], 0);
-  EXPECT_EQ(H().HistoricoDatas[-4], Dia(1, 10));
-}
-
-TEST_F(CargaHistorico, ConsultaQueFalhaEncerraACargaAli) {
-  FonteFalsa f;
-  f.linhas[0] = {{1.0, 103.0, Dia(3)}};
-  f.falha = ConsultaLogs::Tipo4;
-  Carregar(f);
-  EXPECT_EQ(H().HistoricoCodigos[-1], 103);
+  const std::pair<int32_t, DataHora> tocadas[] = {{101, Dia(3)}, {0, Dia(2)}, {102, kAntiga}, {0, Dia(1, 10)}};
+  for (long p = 0; p < 4; ++p) {
+    EXPECT_EQ(H().HistoricoCodigos[-1 - p], tocadas[p].first) << p;
+    EXPECT_EQ(H().HistoricoDatas[-1 - p], tocadas[p].second) << p;
+  }
+  // Positions the rows do not reach lose their codes but keep their dates.
+  for (long p = -500; p <= -5; ++p) ASSERT_EQ(H().HistoricoCodigos[p], 0) << p;
+  EXPECT_EQ(H().HistoricoDatas[-5], kAntiga);
   EXPECT_FALSE(H().HistoricoTipo4[1]);    // cleared before the query failed
   EXPECT_TRUE(H().HistoricoTipo5(1, 0));  // never reached
 
   FonteFalsa g;
   g.linhas[2] = {{5.0, 101.0, Dia(3)}, {5.0, 102.0, Dia(2)}};
-  g.quebra = ConsultaLogs::Tipo5;
-  g.falhaApos = 1;
+  g.falhaApos[static_cast<int>(ConsultaLogs::Tipo5)] = 1;
   Carregar(g);
   EXPECT_TRUE(H().HistoricoTipo5(0, 0));
   EXPECT_FALSE(H().HistoricoTipo5(1, 0));
 }
 
 // The player logs while the engine reads: neither waits for the other, and the engine writes
-// nothing into the database.
-TEST_F(CargaHistorico, LeituraEGravacaoNaoSeBloqueiam) {
+// nothing into the database. Dates held as texts load as the general reading takes them, in the
+// writer's form or another; a text that is no date leaves the date an earlier load put there.
+TEST_F(CargaHistorico, LeituraEGravacaoNaoSeBloqueiamEDatasDeTexto) {
   BancoLogs jogador(Banco());
-  jogador.Registrar({102, Dia(22, 9), 0});
+  ASSERT_EQ(sqlite3_exec(jogador.Conexao(),
+                         "INSERT INTO Logs (Musica, Data, Tipo) VALUES (101, '2026-11-22 10:00:00', 0), "
+                         "(102, '22/11/2026 9:30', 0), (103, '2026-02-29 10:00:00', 0), "
+                         "(101, '2026-11-22T08:00:00', 0), (102, '2026-11-21 07:00:00', 5), "
+                         "(102, '2026-13-01 07:00:00', 5);",
+                         nullptr, nullptr, nullptr),
+            SQLITE_OK);
 
   // A reader in the middle of its read: the player still logs at once.
   sqlite3* leitor = nullptr;
@@ -197,29 +174,15 @@ TEST_F(CargaHistorico, LeituraEGravacaoNaoSeBloqueiam) {
   const auto inicio = std::chrono::steady_clock::now();
   Carregar();
   EXPECT_LT(std::chrono::steady_clock::now() - inicio, std::chrono::milliseconds(500));
-  EXPECT_EQ(H().HistoricoCodigos[-1], 103);  // the newest committed play; 101 is not yet
-  EXPECT_EQ(H().HistoricoCodigos[-2], 102);
   EXPECT_EQ(estacao.Ler(kArquivoLogsSqlite), antes);
   sqlite3_exec(jogador.Conexao(), "COMMIT", nullptr, nullptr, nullptr);
-}
-
-// Dates the SQLite log holds as texts load as the general reading takes them, in the writer's
-// form or another; a text that is no date leaves the date an earlier load put there.
-TEST_F(CargaHistorico, DatasDeTextoDoBancoSqlite) {
-  BancoLogs jogador(Banco());
-  ASSERT_EQ(sqlite3_exec(jogador.Conexao(),
-                         "INSERT INTO Logs (Musica, Data, Tipo) VALUES (101, '2026-11-22 10:00:00', 0), "
-                         "(102, '22/11/2026 9:30', 0), (103, '2026-02-29 10:00:00', 0), "
-                         "(101, '2026-11-22T08:00:00', 0), (102, '2026-11-21 07:00:00', 5), "
-                         "(102, '2026-13-01 07:00:00', 5);",
-                         nullptr, nullptr, nullptr),
-            SQLITE_OK);
-  Carregar();
-  EXPECT_EQ(H().HistoricoDatas[-1], Dia(22, 8));
-  EXPECT_EQ(H().HistoricoCodigos[-2], 103);
-  EXPECT_EQ(H().HistoricoDatas[-2], kAntiga);
-  EXPECT_EQ(H().HistoricoDatas[-3], Dia(22, 9, 30));
-  EXPECT_EQ(H().HistoricoDatas[-4], Dia(22, 10));
+  // The newest committed play first; the 11:00 one was not yet.
+  const std::pair<int32_t, DataHora> tocadas[] = {
+      {103, Dia(22, 10)}, {101, Dia(22, 8)}, {103, kAntiga}, {102, Dia(22, 9, 30)}, {101, Dia(22, 10)}};
+  for (long p = 0; p < 5; ++p) {
+    EXPECT_EQ(H().HistoricoCodigos[-1 - p], tocadas[p].first) << p;
+    EXPECT_EQ(H().HistoricoDatas[-1 - p], tocadas[p].second) << p;
+  }
   // Newest text first: the month-13 row takes the first place and keeps its old date.
   EXPECT_TRUE(H().HistoricoTipo5(1, 0) && H().HistoricoTipo5(1, 1));
   EXPECT_EQ(H().HistoricoTipo5Datas(1, 0), kAntiga);
@@ -230,31 +193,25 @@ TEST_F(CargaHistorico, DatasDeTextoDoBancoSqlite) {
 // database's place is opened anew, and one that is no database leaves the history as it was.
 TEST_F(CargaHistorico, ConexaoMantidaEntreCargas) {
   OrigemHistoricoBanco origem(estacao.Pasta(), true);
-  auto CarregarMantida = [&] {
-    estado->SubstituirHistorico([&](Historico& h) { origem.CarregarMusicasTocadas(h, estado->acervo()); });
-  };
   {
     BancoLogs jogador(Banco());
     jogador.Registrar({101, Dia(22, 9), 0});
-    CarregarMantida();
+    Carregar(origem);
     EXPECT_EQ(H().HistoricoCodigos[-1], 101);
     jogador.Registrar({102, Dia(22, 10), 0});
-    CarregarMantida();
+    Carregar(origem);
     EXPECT_EQ(H().HistoricoCodigos[-1], 102);
     EXPECT_EQ(H().HistoricoCodigos[-2], 101);
   }
-  {
-    BancoLogs outro(estacao.Caminho("copia.db"));
-    outro.Registrar({103, Dia(22, 11), 0});
-  }
+  BancoLogs(estacao.Caminho("copia.db")).Registrar({103, Dia(22, 11), 0});
   for (const char* resto : {"-wal", "-shm"}) fs::remove(Banco().string() + resto);
   fs::rename(estacao.Caminho("copia.db"), Banco());
-  CarregarMantida();
+  Carregar(origem);
   EXPECT_EQ(H().HistoricoCodigos[-1], 103);
   EXPECT_EQ(H().HistoricoCodigos[-2], 0);
   estacao.GravarTexto("lixo.db", std::string(4096, 'x'));
   fs::rename(estacao.Caminho("lixo.db"), Banco());
-  CarregarMantida();
+  Carregar(origem);
   EXPECT_EQ(H().HistoricoCodigos[-1], 103);
 }
 
