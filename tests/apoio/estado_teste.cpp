@@ -67,10 +67,6 @@ std::vector<int32_t> EstadoTeste::Aplicar(const std::function<void(Estado&)>& re
                                           std::vector<std::string> vars) {
   TodasCandidatas().RegraAtual(std::move(id), std::move(vars));
   regra(*estado_);
-  return Mantidas();
-}
-
-std::vector<int32_t> EstadoTeste::Mantidas() {
   std::vector<int32_t> codigos;
   for (long i = 0; i < estado_->acervo().TotalMusicas; ++i)
     if (estado_->selecao.MusicaCandidata[i] && estado_->selecao.MusicaMantida[i])

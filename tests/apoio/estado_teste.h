@@ -37,11 +37,10 @@ class EstadoTeste {
   // Copies a rule straight into RegraAtual (for calling a rule procedure directly).
   EstadoTeste& RegraAtual(std::string id, std::vector<std::string> vars);
 
-  // Runs `regra` as rule `id` on every loaded song and returns the codes it keeps.
+  // Runs `regra` as rule `id` on every loaded song and returns the codes it keeps (still
+  // candidates, MusicaMantida set).
   std::vector<int32_t> Aplicar(const std::function<void(Estado&)>& regra, std::string id,
                                std::vector<std::string> vars);
-  // Codes of the candidates kept by the last rule (MusicaMantida and MusicaCandidata both set).
-  std::vector<int32_t> Mantidas();
   std::vector<int32_t> Candidatas();
 
  private:

@@ -12,17 +12,15 @@ fs::path SistemaArquivosFalho::Normal(const fs::path& caminho) {
   return normal;
 }
 
-bool SistemaArquivosFalho::Abrange(const std::vector<fs::path>& raizes, const fs::path& caminho, bool soDentro) {
+bool SistemaArquivosFalho::Abrange(const std::vector<fs::path>& raizes, const fs::path& caminho) {
   const fs::path alvo = Normal(caminho);
   return std::any_of(raizes.begin(), raizes.end(), [&](const fs::path& raiz) {
-    const auto [r, a] = std::mismatch(raiz.begin(), raiz.end(), alvo.begin(), alvo.end());
-    return r == raiz.end() && (!soDentro || a != alvo.end());
+    return std::mismatch(raiz.begin(), raiz.end(), alvo.begin(), alvo.end()).first == raiz.end();
   });
 }
 
 void SistemaArquivosFalho::Permitir() {
   leituraNegada_.clear();
-  escritaNegada_.clear();
   apagarNegado_.clear();
   renomearNegado_.clear();
 }
@@ -41,7 +39,6 @@ std::string SistemaArquivosFalho::LerBytes(const fs::path& caminho) {
 }
 
 void SistemaArquivosFalho::EscreverBytes(const fs::path& caminho, std::string_view bytes) {
-  if (Abrange(escritaNegada_, caminho)) throw ErroDeArquivo(EACCES, "Permission denied:", caminho);
   if (!restante_ || bytes.size() <= *restante_) {
     base_.EscreverBytes(caminho, bytes);
     if (restante_) *restante_ -= bytes.size();
@@ -73,12 +70,6 @@ std::vector<fs::path> SistemaArquivosFalho::Listar(const fs::path& pasta, std::s
   std::vector<fs::path> lista = base_.Listar(pasta, terminacao);
   for (const fs::path& arquivo : lista) SumirSeMarcado(arquivo);
   return lista;
-}
-
-bool SistemaArquivosFalho::CriarPastas(const fs::path& pasta) noexcept {
-  // A refused folder may already exist; only what would be made inside it is refused.
-  if (Abrange(escritaNegada_, pasta, true)) return false;
-  return base_.CriarPastas(pasta);
 }
 
 std::optional<MarcaArquivo> SistemaArquivosFalho::Marca(const fs::path& caminho) noexcept {

@@ -22,11 +22,10 @@ class SistemaArquivosFalho : public SistemaArquivos {
   void EncherDiscoApos(uint64_t bytes) { restante_ = bytes; }
   void LiberarDisco() { restante_.reset(); }
 
-  // The system refuses the operation on `caminho` and everything under it: reads and writes raise
+  // The system refuses the operation on `caminho` and everything under it: reads raise
   // PermissaoNegada without touching the file, deletes answer false, and a rename from or to it
-  // raises. A refused write also stops folders being made under it.
+  // raises.
   void NegarLeitura(const fs::path& caminho) { leituraNegada_.push_back(Normal(caminho)); }
-  void NegarEscrita(const fs::path& caminho) { escritaNegada_.push_back(Normal(caminho)); }
   void NegarApagar(const fs::path& caminho) { apagarNegado_.push_back(Normal(caminho)); }
   void NegarRenomear(const fs::path& caminho) { renomearNegado_.push_back(Normal(caminho)); }
   // Every refusal lifted.
@@ -41,20 +40,20 @@ class SistemaArquivosFalho : public SistemaArquivos {
   void Renomear(const fs::path& de, const fs::path& para) override;
   bool Apagar(const fs::path& caminho) noexcept override;
   bool ArquivoExiste(const fs::path& caminho) noexcept override;
+  bool CriarPastas(const fs::path& pasta) noexcept override { return base_.CriarPastas(pasta); }
   std::vector<fs::path> Listar(const fs::path& pasta, std::string_view terminacao) override;
-  bool CriarPastas(const fs::path& pasta) noexcept override;
   std::optional<MarcaArquivo> Marca(const fs::path& caminho) noexcept override;
   std::optional<VersaoArquivo> Versao(const fs::path& caminho) noexcept override { return base_.Versao(caminho); }
 
  private:
   static fs::path Normal(const fs::path& caminho);
-  // True when `caminho` is one of `raizes` or lies under one (strictly under for `soDentro`).
-  static bool Abrange(const std::vector<fs::path>& raizes, const fs::path& caminho, bool soDentro = false);
+  // True when `caminho` is one of `raizes` or lies under one.
+  static bool Abrange(const std::vector<fs::path>& raizes, const fs::path& caminho);
   void SumirSeMarcado(const fs::path& caminho) noexcept;
 
   SistemaArquivos& base_;
   std::optional<uint64_t> restante_;
-  std::vector<fs::path> leituraNegada_, escritaNegada_, apagarNegado_, renomearNegado_, sumir_;
+  std::vector<fs::path> leituraNegada_, apagarNegado_, renomearNegado_, sumir_;
 };
 
 }  // namespace lumavox::teste
