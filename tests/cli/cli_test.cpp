@@ -14,50 +14,43 @@ namespace {
 
 using teste::EstacaoTeste;
 using teste::RodarCli;
+using J = nlohmann::json;
 
 TEST(CliAcervo, JsonComPlaylistPorHorarioPastaDoAmbienteECargaInterrompida) {
   EstacaoTeste estacao;
   const std::string dir = estacao.Pasta().string();
   ASSERT_EQ(RodarCli({"demo", "--dir", dir, "--musicas", "60"}).codigo, 0);
   auto doc = nlohmann::json::parse(RodarCli({"acervo", "--dir", dir, "--json", "--now", "2026-11-22 10:00:00"}).saida);
-  EXPECT_EQ(doc["total_musicas"], 60);
-  EXPECT_EQ(doc["playlist_atual"], 0);
-  EXPECT_TRUE(doc["erro"].is_null());
-  ASSERT_EQ(doc["musicas"].size(), 60u);
-  EXPECT_TRUE(doc["musicas"][0]["tags"]["Vibe"].is_number());
+  EXPECT_EQ(J::array({doc["total_musicas"], doc["playlist_atual"], doc["erro"],
+                      doc["musicas"].size()}), J::array({60, 0, nullptr, 60}));
+  EXPECT_TRUE(doc["musicas"].at(0)["tags"]["Vibe"].is_number());
   // Without --dir the folder comes from LUMAVOX_DIR; at night the night playlist is in force,
   // its calm songs topped up to the least the engine chooses from.
   ::setenv("LUMAVOX_DIR", dir.c_str(), 1);
   doc = nlohmann::json::parse(RodarCli({"acervo", "--json", "--now", "2026-11-22 03:00:00"}).saida);
   ::unsetenv("LUMAVOX_DIR");
-  EXPECT_EQ(doc["playlist_atual"], 1);
-  EXPECT_EQ(doc["total_musicas"], 51);
+  EXPECT_EQ(J::array({doc["playlist_atual"], doc["total_musicas"]}), J::array({1, 51}));
   EXPECT_NE(doc["pasta_dados"].get<std::string>().find("madrugada"), std::string::npos);
 
   // A collection that stops loading is a warning: the command still answers.
   estacao.GravarTexto("lxdb.rdb", std::string("\x7f\x45\x4c\x46\x00\x01garbage\n\xff\xfe", 16));
   const teste::ResultadoCli r = RodarCli({"acervo", "--dir", dir, "--json", "--now", "2026-11-22 10:00:00"});
-  EXPECT_EQ(r.codigo, 0);
-  EXPECT_NE(r.erros.find("aviso:"), std::string::npos);
-  doc = nlohmann::json::parse(r.saida);
-  EXPECT_EQ(doc["total_musicas"], 0);
-  EXPECT_FALSE(doc["erro"].is_null());
+  EXPECT_TRUE(r.codigo == 0 && r.erros.find("aviso:") != std::string::npos) << r.erros;
+  EXPECT_FALSE(nlohmann::json::parse(r.saida)["erro"].is_null());
 }
 
 TEST(CliRdb, CodificaDecodificaEApontaALinhaRuim) {
   EstacaoTeste estacao;
   estacao.GravarTexto("texto.txt", "Canção\r\nGenero:Rock;Pop\n\nÚltima");
-  const teste::ResultadoCli cod = RodarCli({"rdb", "encode", estacao.Caminho("texto.txt").string()});
-  ASSERT_EQ(cod.codigo, 0) << cod.erros;
-  estacao.GravarTexto("texto.rdb", cod.saida);
-  const teste::ResultadoCli dec = RodarCli({"rdb", "decode", estacao.Caminho("texto.rdb").string()});
-  EXPECT_EQ(dec.saida, "Canção\nGenero:Rock;Pop\n\nÚltima\n");
+  estacao.GravarTexto("texto.rdb",
+                      RodarCli({"rdb", "encode", estacao.Caminho("texto.txt").string()}).saida);
+  EXPECT_EQ(RodarCli({"rdb", "decode", estacao.Caminho("texto.rdb").string()}).saida,
+            "Canção\nGenero:Rock;Pop\n\nÚltima\n");
 
   // The lines before a bad one are still written out.
   estacao.GravarTexto("ruim.rdb", EstacaoTeste::Codificada("ok") + "\n099999\n");
   const teste::ResultadoCli ruim = RodarCli({"rdb", "decode", estacao.Caminho("ruim.rdb").string()});
-  EXPECT_EQ(ruim.codigo, 1);
-  EXPECT_EQ(ruim.saida, "ok\n");
+  EXPECT_EQ(J::array({ruim.codigo, ruim.saida}), J::array({1, "ok\n"}));
   EXPECT_NE(ruim.erros.find("linha 2"), std::string::npos);
 }
 
@@ -70,15 +63,12 @@ TEST(CliSelectETocar, JsonDoContratoComHistoricoEmMemoriaETocadasNoBanco) {
   const teste::ResultadoCli r = RodarCli(args);
   ASSERT_EQ(r.codigo, 0) << r.erros;
   auto doc = nlohmann::json::parse(r.saida);
-  EXPECT_EQ(doc["total_musicas"], 80);
-  ASSERT_EQ(doc["selecoes"].size(), 2u);
-  const auto& s = doc["selecoes"][0];
-  EXPECT_EQ(s["nivel"], 50);
-  EXPECT_EQ(s["arquivos"]["mrt"], "temp/000001.mrt");
-  EXPECT_EQ(s["arquivos"]["lre"].get<std::string>().substr(0, 12), "list/000001_");
+  const auto& s = doc["selecoes"].at(0);
   // The history was not empty, so the opening-song rule kept everything.
-  EXPECT_EQ(s["regras"][0]["id"], "01");
-  EXPECT_TRUE(s["regras"][0]["removidas"].empty());
+  EXPECT_EQ(J::array({doc["total_musicas"], doc["selecoes"].size(), s["nivel"],
+                      s["arquivos"]["mrt"], s["regras"][0]["id"], s["regras"][0]["removidas"]}),
+            J::array({80, 2, 50, "temp/000001.mrt", "01", J::array()}));
+  EXPECT_EQ(s["arquivos"]["lre"].get<std::string>().substr(0, 12), "list/000001_");
   const auto& restantes = s["restantes"];
   EXPECT_NE(std::find(restantes.begin(), restantes.end(), s["escolhida"]), restantes.end());
 
