@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <map>
 #include <tuple>
 #include <nlohmann/json.hpp>
 
@@ -65,24 +64,14 @@ const Caso kCasos[] = {
     {"codigo repetido",
      [](Est& e) { SongsDe(e, kMusicas, "", false); e.Musica(5, {{"Genero", "Rock;"}}).GravarAcervo(); RegrasDe(e); },
      A, "lxdb.rdb", kFim, "o código 5 repete o da música da linha 133"},
-    {"sem midia", [](Est& e) { SongsDe(e, kMusicas, "", false); e.Musica(999, {}, false).GravarAcervo(); RegrasDe(e); },
-     A, "lxdb.rdb", kFim, "sem o arquivo mre/0000999.mre"},
     {"codigo nao numerico", [](Est& e) { Limpa(e); e.GravarTexto("lxdb.rdb", e.Ler("lxdb.rdb") + Est::Linhas({"abc"})); },
      E, "lxdb.rdb", kFim, "o código da música não é um número inteiro"},
-    {"registro parcial", [](Est& e) { Limpa(e); e.GravarTexto("lxdb.rdb", e.Ler("lxdb.rdb") + Est::Linhas({"61", "Ana", "Álbum"})); },
-     A, "lxdb.rdb", kFim, "3 linhas no fim não completam uma música"},
-    {"valor de um caractere no acervo",
-     [](Est& e) { SongsDe(e, kMusicas, "", false); e.Musica(70, {{"Nota", "5"}}).GravarAcervo(); RegrasDe(e, "Nota:10;"); },
-     A, "lxdb.rdb", kFim, "1 música tem em Nota um valor de um só caractere (como \"5\""},
     // The playlist table.
     {"linha ignorada", [](Est& e) { Limpa(e); e.GravarTexto("pl.rdb", "08:00 12:00 manha\r\n"); },
      A, "pl.rdb", 1, "linha ignorada pelo motor"},
     {"periodo pela meia-noite",
      [](Est& e) { Limpa(e); Limpa(e, "noite"); e.GravarTexto("pl.rdb", "22:00:00 02:00:00 noite\r\n"); },
      E, "pl.rdb", 1, "o início 22:00:00 vem depois do fim 02:00:00"},
-    {"periodo escondido por outra linha",
-     [](Est& e) { Limpa(e); Limpa(e, "a"); e.GravarTexto("pl.rdb", "09:00:00 10:00:00 a\r\n08:00:00 12:00:00 a\r\n"); },
-     E, "pl.rdb", 1, "a linha 2 vem depois e cobre todo este período"},
     {"pasta que nao existe", [](Est& e) { Limpa(e); e.GravarTexto("pl.rdb", "08:00:00 12:00:00 manha\r\n"); },
      E, "pl.rdb", 1, "a pasta \"manha\" não existe"},
     {"mais de 30 playlists",
@@ -94,32 +83,14 @@ const Caso kCasos[] = {
        e.GravarTexto("pl.rdb", pl);
      },
      E, "pl.rdb", 31, "31ª playlist"},
-    {"pasta de playlist com poucas musicas",
-     [](Est& e) { Limpa(e); SongsDe(e, 10, "a"); RegrasDe(e, "Genero:Rock;", "a"); e.GravarTexto("pl.rdb", "08:00:00 12:00:00 a\r\n"); },
-     E, "a/lxdb.rdb", kSem, "só 10 músicas"},
     // The rules.
     {"valor de filtro de um caractere", [](Est& e) { SongsDe(e, kMusicas); RegrasDe(e, "Genero:Rock;X"); },
      A, "lxie0.rdb", 1, "o valor \"X\" tem um só caractere"},
-    {"marca que parece ativa",
-     [](Est& e) {
-       Limpa(e);
-       e.GravarTexto("lxie0.rdb", Est::Linhas({"A", "01", "", "", "Genero:Rock;", "", "", "", "", "", "", "", "", "",
-                                               "A ", "04", "", "", "10", "", "", "", "", "", "", "", "", ""}));
-     },
-     E, "lxie0.rdb", 15, "a marca de ativa \"A \" parece ativa"},
-    {"periodo que nunca vale",
-     [](Est& e) { SongsDe(e, kMusicas); e.Regra(0, true, "01", "", {"Genero:Rock;", "", "22:00", "02:00"}).GravarRegras(); },
-     A, "lxie0.rdb", 1, "hora inicial depois da final"},
-    {"data que ja passou",
-     [](Est& e) { SongsDe(e, kMusicas); e.Regra(0, true, "01", "", {"Genero:Rock;", "01/01/2000"}).GravarRegras(); },
-     A, "lxie0.rdb", 1, "a data já passou"},
     {"valor por nivel que estoura",
      [](Est& e) { SongsDe(e, kMusicas); e.Regra(1, true, "12", "", {"*0-2000", "Genero:Geral*"}).GravarRegras(); },
      E, "lxie1.rdb", 1, "nos níveis 0 a 18 a conta do ajuste por nível estoura"},
     {"arquivo de regras ausente", [](Est& e) { Limpa(e); std::filesystem::remove(e.Caminho("lxie2.rdb")); },
      E, "lxie2.rdb", kSem, "arquivo de regras ausente"},
-    {"tabela de agenda com linha ruim", [](Est& e) { Limpa(e); e.GravarTexto("lxtb0.rdb", Est::Linhas({"1", "x-y"})); },
-     E, "lxtb0.rdb", 2, "o motor para de ler a tabela aqui"},
     // The history.
     {"banco de log ilegivel", [](Est& e) { Limpa(e); e.GravarTexto("lumavox.db", "isto não é um banco"); },
      E, "lumavox.db", kSem, "o motor não consegue abrir o banco de log"},
@@ -151,15 +122,9 @@ INSTANTIATE_TEST_SUITE_P(Conferencia, UmaConstatacao, ::testing::ValuesIn(kCasos
 TEST(Conferencia, DemoNaoTemNadaENadaMudaNaPasta) {
   EstacaoTeste demo;
   cli::GerarEstacaoDemo(demo.Pasta(), cli::OpcoesDemo{});
-  auto Retrato = [&] {
-    std::map<std::string, std::pair<std::uintmax_t, std::filesystem::file_time_type>> r;
-    for (const auto& f : std::filesystem::recursive_directory_iterator(demo.Pasta()))
-      if (f.is_regular_file()) r[f.path().string()] = {f.file_size(), f.last_write_time()};
-    return r;
-  };
-  const auto antes = Retrato();
+  const auto antes = demo.Conteudo();
   EXPECT_EQ(Listar(Conferir(demo)), "");
-  EXPECT_EQ(Retrato(), antes);
+  EXPECT_EQ(demo.Conteudo(), antes);
 }
 
 TEST(Conferencia, LinhaDeComandoEmTextoEJsonSaiCom1SoComErro) {
@@ -177,7 +142,6 @@ TEST(Conferencia, LinhaDeComandoEmTextoEJsonSaiCom1SoComErro) {
   ASSERT_EQ(doc.size(), 2u);
   EXPECT_EQ(doc[0].dump(), "{\"nivel\":\"erro\",\"arquivo\":\"lxdb.rdb\",\"linha\":null,\"mensagem\":" +
                                doc[0]["mensagem"].dump() + "}");
-  EXPECT_EQ(doc[1]["nivel"], "aviso");
   EXPECT_EQ(doc[1]["linha"], 1);
 
   SongsDe(estacao, kMusicas);

@@ -17,23 +17,18 @@ std::string Ajustar(EstadoTeste& t, int nivel, const std::string& valor) {
   return ParaUtf8(AjustarValorVariavel(t.E(), DeUtf8(valor)));
 }
 
-TEST(AjustarValorVariavel, DeslizaComONivelNasDuasPontas) {
+TEST(AjustarValorVariavel, DeslizaComONivelNasDuasPontasEEscolheOConjunto) {
   EstadoTeste t;
   const std::tuple<int, const char*, const char*> casos[] = {
-      {83, "*10", "10"}, {50, "*0-35", "0"}, {0, "*0-35", "35"}, {34, "*0-35", "1"}, {100, "*0-35", "35"},
-      {17, "*2-8", "5"}, {83, "*2-8", "5"}, {36, "*2-8", "2"}, {64, "*2-8", "2"},
-      // Truncation toward zero on a falling slope: 8 + (-6*18)/35 = 8 - 3.
-      {17, "*8-2", "5"}, {0, "*8-2", "2"},
-      {0, "*-5", "5"},                          // an empty left part is 0
-      {0, "*3-5-7", "7"},                       // the last "-" wins; "3-5" is not a number
-      {0, "*2,5-8", "8"}, {50, "*2,5-8", "2"},  // 2,5 halves to even: 2
-      {0, "Genero:Rock", "Genero:Rock"}};
+      {83, "*10", "10"},  {0, "*0-35", "35"}, {34, "*0-35", "1"},   {36, "*0-35", "0"},
+      {64, "*0-35", "0"}, {65, "*0-35", "0"}, {100, "*0-35", "35"}, {17, "*8-2", "5"},
+      {0, "*-5", "5"},     // an empty left part is 0
+      {0, "*3-5-7", "7"},  // the last "-" wins; "3-5" is not a number
+      {50, "*2,5-8", "2"}, {0, "Genero:Rock", "Genero:Rock"}};  // 2,5 halves to even: 2
   for (const auto& [nivel, valor, esperado] : casos)
     EXPECT_EQ(Ajustar(t, nivel, valor), esperado) << nivel << " " << valor;
   EXPECT_THROW(Ajustar(t, 0, "*-30000-30000"), ErroExecucao);
-}
-
-TEST(ConjuntoDoNivel, BordasDasFaixas) {
+  // The same band edges choose the rule set.
   for (auto [nivel, conjunto] : {std::pair{35, 1}, {36, 0}, {64, 0}, {65, 2}})
     EXPECT_EQ(ConjuntoDoNivel(nivel), conjunto) << nivel;
 }
@@ -60,7 +55,6 @@ TEST_F(AplicarRegraTeste, AceitaRemoveELogaAntesDeRemover) {
   EXPECT_EQ(ParaUtf8(no.texto), "3 -> REGRA: 01 -  (50,1,3) - Começar com (Genero:Rock) [(X2)DATA]");
   ASSERT_EQ(no.musicas.size(), 1u);
   EXPECT_EQ(ChaveMusica(no, no.musicas[0]), "n4_3_1");
-  EXPECT_EQ(no.musicas[0].codigo, 2);
 
   // A rule that removes nothing logs no children.
   t.Regra(0, 2, "35", {});
@@ -83,25 +77,14 @@ TEST_F(AplicarRegraTeste, NaoRealizadaNegadaOuComErroNaoRemoveNada) {
   Aplicar(0, 35, false, TipoLog::Negada, "REGRA NEGADA: 01");  // level 35 reads set 1
   t.Regra(0, 0, "01", {"Genero:Rock", "não é data"});
   Aplicar(0, 50, false, TipoLog::Erro, "Erro 13");
-  Aplicar(256, 50, false, TipoLog::Erro, "Erro 9");  // index past the set
   EXPECT_EQ(t.Candidatas().size(), 3u);
 
   for (long i = 0; i < 3; ++i) t->selecao.MusicaCandidata[i] = false;
-  Aplicar(0, 65, false, TipoLog::NaoRealizada, "");
   t.Regra(2, 1, "99", {});
   Aplicar(1, 65, false, TipoLog::Negada, "");
   // The never-loaded script list applies an empty rule.
   EXPECT_FALSE(AplicarRegra(t.E(), false, 0, 65));
   EXPECT_TRUE(t->catalogo.RegraAtual.ID.empty());
-}
-
-// A placeholder without a value stays as written.
-TEST(MontarDescricao, X10AntesDeX1EPlaceholdersVaziosFicam) {
-  EstadoTeste t;
-  t.RegraAtual("12", {"3"});
-  t->catalogo.RegraAtual.Var(10).Valor = u"7";
-  t->catalogo.RegraAtual.Descricao = u"(X10) e (X1)X (X2)";
-  EXPECT_EQ(MontarDescricao(t.E()), u"(7) e (3)X (X2)");
 }
 
 // A selection that never chose reuses its counter: its subtree is replaced, not doubled.
@@ -112,7 +95,6 @@ TEST(RegistrarLog, SelecaoSemEscolhaTrocaASubarvore) {
   RegistrarLog(t.E(), TipoLog::Inicio);
   RegistrarLog(t.E(), TipoLog::Restantes);
   EXPECT_EQ(t->log.Atual()->chave, "P7");
-  EXPECT_EQ(ParaUtf8(t->log.Atual()->filhos[0].texto), "MUSICAS RESTANTES: 2 / 2");
   RegistrarLog(t.E(), TipoLog::Inicio);
   EXPECT_EQ(t->log.Selecoes().size(), 1u);
   EXPECT_TRUE(t->log.Atual()->filhos.empty());

@@ -14,19 +14,14 @@
 namespace lumavox {
 namespace {
 
-// The positions of one chain of the index from its first, newest first.
-std::vector<long> Cadeia(const IndiceHistorico& indice, long p, long (IndiceHistorico::*seguinte)(long) const) {
+// The plays of a code, or with `slot` set of a slot, newest first, as the index chains them.
+std::vector<long> Tocadas(const Estado& e, int32_t codigo, bool slot = false) {
+  const IndiceHistorico& i = e.IndiceDoHistorico();
   std::vector<long> posicoes;
-  for (; p != IndiceHistorico::kFim; p = (indice.*seguinte)(p)) posicoes.push_back(p);
+  for (long p = slot ? i.PrimeiraDoSlot(codigo) : i.PrimeiraDoCodigo(codigo);
+       p != IndiceHistorico::kFim; p = slot ? i.SeguinteDoSlot(p) : i.SeguinteDoCodigo(p))
+    posicoes.push_back(p);
   return posicoes;
-}
-std::vector<long> TocadasDoCodigo(const Estado& e, int32_t codigo) {
-  const IndiceHistorico& i = e.IndiceDoHistorico();
-  return Cadeia(i, i.PrimeiraDoCodigo(codigo), &IndiceHistorico::SeguinteDoCodigo);
-}
-std::vector<long> TocadasDoSlot(const Estado& e, long slot) {
-  const IndiceHistorico& i = e.IndiceDoHistorico();
-  return Cadeia(i, i.PrimeiraDoSlot(slot), &IndiceHistorico::SeguinteDoSlot);
 }
 
 void Codigos(Estado& e, std::initializer_list<int32_t> codigos) {
@@ -66,8 +61,8 @@ TEST(Estado, IndiceAcrescidoIgualAoConstruido) {
   Codigos(*e, {10, 20, 30});
   auto Cadeias = [&] {
     std::vector<std::vector<long>> c;
-    for (int32_t codigo : {10, 20, 30, 40}) c.push_back(TocadasDoCodigo(*e, codigo));
-    for (long slot : {0, 1, 2, 4000}) c.push_back(TocadasDoSlot(*e, slot));
+    for (int32_t codigo : {10, 20, 30, 40}) c.push_back(Tocadas(*e, codigo));
+    for (int32_t slot : {0, 1, 2, 4000}) c.push_back(Tocadas(*e, slot, true));
     return c;
   };
   std::mt19937 g(3);
@@ -83,26 +78,17 @@ TEST(Estado, IndiceAcrescidoIgualAoConstruido) {
   }
 }
 
-TEST(Estado, IndiceDoHistoricoSegueTocadasSubstituicaoECodigos) {
+// The song of code 10 moves to slot 1: the slot chains follow the collection.
+TEST(Estado, IndiceDoHistoricoSegueCodigosESubstituicao) {
   auto e = std::make_unique<Estado>();
   Codigos(*e, {10, 20});
-  e->AdicionarTocada(10, DataHora{});
-  e->AdicionarTocada(20, DataHora{});
-  e->AdicionarTocada(10, DataHora{});
-  EXPECT_EQ(TocadasDoCodigo(*e, 10), (std::vector<long>{2, 0}));
-  EXPECT_EQ(TocadasDoSlot(*e, 0), (std::vector<long>{2, 0}));
-
-  // The song of code 10 moves to slot 1: the slot chains follow the collection.
+  for (int32_t c : {10, 20, 10}) e->AdicionarTocada(c, DataHora{});
   Codigos(*e, {20, 10});
-  EXPECT_EQ(TocadasDoSlot(*e, 1), (std::vector<long>{2, 0}));
-  EXPECT_EQ(TocadasDoSlot(*e, 0), std::vector<long>{1});
-
-  e->SubstituirHistorico([](Historico& h) {
-    h.HistoricoCodigos[0] = 20;
-    h.TotalTocadas = 1;
-  });
-  EXPECT_TRUE(TocadasDoCodigo(*e, 10).empty());
-  EXPECT_EQ(TocadasDoCodigo(*e, 20), std::vector<long>{0});
+  EXPECT_EQ(Tocadas(*e, 1, true), (std::vector<long>{2, 0}));
+  EXPECT_EQ(Tocadas(*e, 0, true), std::vector<long>{1});
+  e->SubstituirHistorico([](Historico& h) { h.HistoricoCodigos[0] = 20, h.TotalTocadas = 1; });
+  EXPECT_TRUE(Tocadas(*e, 10).empty());
+  EXPECT_EQ(Tocadas(*e, 20), std::vector<long>{0});
 }
 
 // Compacting keeps the newest 1001 plays; a history already full refuses a play untouched.
@@ -112,7 +98,6 @@ TEST(Estado, ChecarMusicasTocadasCompactaSoAcimaDe3500EOCheioRecusa) {
   e->ChecarMusicasTocadas();
   EXPECT_EQ(e->historico().TotalTocadas, 3500);
   e->AdicionarTocada(3501, DataHora{});
-  EXPECT_EQ(e->IndiceDoHistorico().PrimeiraDoCodigo(2501), 2500);
   e->ChecarMusicasTocadas();
   EXPECT_EQ(e->historico().TotalTocadas, 501);
   EXPECT_EQ(e->historico().HistoricoCodigos[-500], 2501);
