@@ -38,7 +38,6 @@ TEST_F(CarregarRegras, CamposMarcasEOsRegistrosCompletos) {
   for (long r = 0; r < 5; ++r) EXPECT_EQ(Regra(r).Ativo, marcas[r].second) << "marca '" << marcas[r].first << "'";
   EXPECT_EQ(Regra(5).ID, u"28");
   EXPECT_EQ(Regra(5).Descricao, u"(X1)% de chance");
-  EXPECT_EQ(Regra(5).Valor(1), u"80");
   EXPECT_EQ(Regra(5).Valor(9), u"nove");
   EXPECT_EQ(Regra(5).Valor(10), u"");
 }

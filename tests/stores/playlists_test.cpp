@@ -37,8 +37,6 @@ TEST_F(LerPlaylists, LinhasInvalidasSaoPuladasENomeEmWindows1252) {
         "08:00:00 10:00:00 M\xfasica J\xe1\r\n" + mais);
   ASSERT_EQ(tabela.TotalPlaylists, 31);
   EXPECT_EQ(tabela.Playlists[1], estacao.Pasta() / "Manha" / "Rock");
-  EXPECT_EQ(tabela.PlaylistInicio[1], MontarDataHora(1899, 12, 30, 8, 0, 0));
-  EXPECT_EQ(tabela.PlaylistFim[1], MontarDataHora(1899, 12, 30, 10, 0, 0));
   EXPECT_EQ(tabela.Playlists[2], estacao.Pasta() / "Tarde");
   EXPECT_EQ(tabela.PlaylistFim[2], MontarDataHora(1899, 12, 30, 11, 30, 0));
   EXPECT_EQ(tabela.Playlists[3], estacao.Pasta() / "Música Já");
