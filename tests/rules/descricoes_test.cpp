@@ -37,16 +37,11 @@ TEST(DescricoesRegras, NumerosProcuradosSoPeloTextoExato) {
   EXPECT_EQ(semProcedimento, "09 10 11 14 15 16 17 18 19 20 21 ");
 }
 
-// Values that get each procedure past the checks it makes before its period; the other rules
-// check their period first.
+// Values that get each procedure past the checks it makes before its period (13, 31 and 32 raise
+// on an empty X1 after it, which would hide a period never read); the others check it first.
 const std::map<std::u16string_view, std::vector<std::string>> kAntesDoPeriodo{
-    {u"02", {"Não", "Artista:Geral*", "1"}},
-    {u"03", {"1", "Sim", "Genero:Geral*"}},
-    // These raise on an empty X1 after the period, which would hide a period never read.
-    {u"13", {"3"}},
-    {u"31", {"3"}},
-    {u"32", {"2"}},
-};
+    {u"02", {"Não", "Artista:Geral*", "1"}}, {u"03", {"1", "Sim", "Genero:Geral*"}},
+    {u"13", {"3"}}, {u"31", {"3"}}, {u"32", {"2"}}};
 
 TEST(DescricoesRegras, CadaProcedimentoLeOPeriodoDasVariaveisDaDescricao) {
   // Data, início and fim: one set in force, then one bad value each.

