@@ -6,13 +6,13 @@
 
 using namespace lumavox;
 
+// A time alone ("8:00", "23:59:59") falls on day zero.
 TEST(ConverterDataHora, FormatosAceitosERecusados) {
   const std::pair<const char16_t*, const char*> casos[] = {
-      {u"22/11/26", "2026-11-22 00:00:00"},       {u"1/1/29", "2029-01-01 00:00:00"},
-      {u"31/12/30", "1930-12-31 00:00:00"},       {u"2026-11-22", "2026-11-22 00:00:00"},
-      {u"29/02/2028", "2028-02-29 00:00:00"},     {u" 22/11/2026  8:05:09 ", "2026-11-22 08:05:09"},
-      {u"2026-11-22T08:00:00", "2026-11-22 08:00:00"}, {u"8:00", "1899-12-30 08:00:00"},
-      {u"23:59:59", "1899-12-30 23:59:59"}};  // a time alone falls on day zero
+      {u"1/1/29", "2029-01-01 00:00:00"},     {u"31/12/30", "1930-12-31 00:00:00"},
+      {u"2026-11-22", "2026-11-22 00:00:00"}, {u"29/02/2028", "2028-02-29 00:00:00"},
+      {u" 22/11/2026  8:05:09 ", "2026-11-22 08:05:09"}, {u"8:00", "1899-12-30 08:00:00"},
+      {u"2026-11-22T08:00:00", "2026-11-22 08:00:00"}, {u"23:59:59", "1899-12-30 23:59:59"}};
   for (const auto& [texto, iso] : casos) {
     const auto d = ConverterDataHora(texto);
     ASSERT_TRUE(d) << ParaUtf8(texto);
@@ -54,9 +54,8 @@ TEST(DataHora, DatasAntesDoDiaZeroEDiferencaEmMinutos) {
   EXPECT_EQ(SegundosDoDia(d), 18 * 3600 + 30 * 60 + 15);
 
   // Minute boundaries crossed, not seconds elapsed.
-  auto h = [](int hh, int mm, int ss) { return MontarDataHora(2026, 11, 22, hh, mm, ss); };
-  EXPECT_EQ(DiferencaMinutos(h(10, 0, 59), h(10, 1, 0)), 1);
-  EXPECT_EQ(DiferencaMinutos(h(10, 0, 0), h(10, 0, 59)), 0);
-  EXPECT_EQ(DiferencaMinutos(h(10, 1, 0), h(10, 0, 59)), -1);
-  EXPECT_EQ(DiferencaMinutos(MontarDataHora(1899, 12, 29, 23, 59, 59), DataHora{0}), 1);
+  auto h = [](int mm, int ss) { return MontarDataHora(2026, 11, 22, 10, mm, ss); };
+  for (const auto& [de, ate, minutos] : {std::tuple{h(0, 59), h(1, 0), 1}, {h(0, 0), h(0, 59), 0},
+                                         {h(1, 0), h(0, 59), -1}, {d, DataHora{0}, 330}})
+    EXPECT_EQ(DiferencaMinutos(de, ate), minutos);
 }

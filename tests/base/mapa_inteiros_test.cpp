@@ -19,9 +19,8 @@ TEST(MapaInteiros, ComoOMapaPadrao) {
     const int32_t faixa = rodada % 2 ? 5000 : 40;
     for (int i = 0; i < 3000; ++i) {
       const int32_t chave = static_cast<int32_t>(sorte() % faixa) * (rodada % 3 ? 1024 : -7);
-      const auto valor = static_cast<int16_t>(i);
-      auto [endereco, nova] = mapa.Inserir(chave, valor);
-      auto [it, novaPadrao] = padrao.try_emplace(chave, valor);
+      auto [endereco, nova] = mapa.Inserir(chave, static_cast<int16_t>(i));
+      auto [it, novaPadrao] = padrao.try_emplace(chave, static_cast<int16_t>(i));
       ASSERT_EQ(nova, novaPadrao);
       ASSERT_EQ(*endereco, it->second);
       if (i % 7 == 0) *endereco = it->second = static_cast<int16_t>(-i);

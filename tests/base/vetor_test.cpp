@@ -29,22 +29,20 @@ TEST(Vetor, CadaIndiceVerificadoComLimitesNegativosInclusivos) {
 TEST(Vetor, FlagsPorPalavraComoUmaAUma) {
   std::vector<Booleano> a(40), b(40);
   for (size_t i = 0; i < a.size(); ++i) a[i] = (i * 7) % 3 != 0, b[i] = (i * 5) % 4 < 2;
-  for (long inicio : {0L, 3L}) {
+  for (long inicio : {0L, 3L})
     for (long n = 0; n + inicio <= 40; ++n) {
       const Booleano *pa = a.data() + inicio, *pb = b.data() + inicio;
       long ambos = 0;
       std::vector<long> so, visto;
+      std::vector<Booleano> mantidos(a), esperados(a);
       for (long i = 0; i < n; ++i) {
-        ambos += pa[i] && pb[i];
+        ambos += esperados[inicio + i] = pa[i] && pb[i];
         if (pa[i] && !pb[i]) so.push_back(i);
       }
       EXPECT_EQ(ContarAmbos(pa, pb, n), ambos) << n;
       ParaCadaSoNoPrimeiro(pa, pb, n, [&](long i) { visto.push_back(i); });
       EXPECT_EQ(visto, so) << n;
-      std::vector<Booleano> c(a);
-      ManterOnde(c.data() + inicio, pb, n);
-      for (long i = 0; i < 40; ++i)
-        ASSERT_EQ(bool(c[i]), i >= inicio && i < inicio + n ? a[i] && pb[i - inicio] : bool(a[i])) << n << " " << i;
+      ManterOnde(mantidos.data() + inicio, pb, n);
+      EXPECT_EQ(mantidos, esperados) << inicio << " " << n;
     }
-  }
 }

@@ -24,7 +24,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* dados, size_t tamanho) {
 
   const int16_t antes = acervo->TotalMusicas;
   long linhas = 0;
-  const bool carregou = fuzz::SoErroExecucao(
+  const bool carregou = !fuzz::ErroDe(
       [&] { CarregarColecao(ArquivosReais(), *acervo, estacao, [&](long) { ++linhas; }); });
   const Acervo& a = *acervo;
   if (!carregou && a.TotalMusicas != antes) fuzz::Falha("load que parou mudou TotalMusicas");

