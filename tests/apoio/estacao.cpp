@@ -1,10 +1,10 @@
 #include "apoio/estacao.h"
 
 #include <algorithm>
-#include <fstream>
 #include <random>
 #include <stdexcept>
 
+#include "base/arquivos.h"
 #include "base/texto.h"
 #include "stores/acervo.h"
 #include "stores/codec.h"
@@ -68,18 +68,11 @@ void EstacaoTeste::GravarRegras(std::string_view subpasta) {
 }
 
 void EstacaoTeste::GravarTexto(std::string_view relativo, std::string_view bytes) {
-  const fs::path caminho = Caminho(relativo);
-  fs::create_directories(caminho.parent_path());
-  std::ofstream saida(caminho, std::ios::binary | std::ios::trunc);
-  if (!saida.write(bytes.data(), static_cast<std::streamsize>(bytes.size())))
-    throw std::runtime_error("não gravou " + caminho.string());
+  fs::create_directories(Caminho(relativo).parent_path());
+  EscreverBytes(Caminho(relativo), bytes);
 }
 
-std::string EstacaoTeste::Ler(std::string_view relativo) const {
-  std::ifstream entrada(Caminho(relativo), std::ios::binary);
-  if (!entrada) throw std::runtime_error("não leu " + std::string(relativo));
-  return {std::istreambuf_iterator<char>(entrada), std::istreambuf_iterator<char>()};
-}
+std::string EstacaoTeste::Ler(std::string_view relativo) const { return LerBytes(Caminho(relativo)); }
 
 std::vector<std::string> EstacaoTeste::Nomes(std::string_view subpasta, std::string_view terminacao) const {
   std::vector<std::string> nomes;
