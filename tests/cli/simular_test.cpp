@@ -74,7 +74,7 @@ TEST(Simular, NivelDaEstacaoComoOMotorOLeEErrosDeArgumentoEmUmaLinha) {
   estacao.GravarAcervo();
   estacao.GravarRegras();
   const std::string dir = estacao.Pasta().string(), ruim = estacao.Caminho("ruim.txt").string();
-  for (const auto& [texto, nivel] : {std::pair{"150", 150}, {"-7,5", -8}, {"99999", 0}}) {
+  for (const auto& [texto, nivel] : {std::pair{"150", 150}, {"-7,5", -8}, {"99999", 0}, {"", 0}}) {
     estacao.GravarTexto("ritmo.rer", std::string(texto) + "\r\n");
     const auto doc =
         nlohmann::json::parse(RodarCli({"simular", "--dir", dir, "--horas", "1", "--json"}).saida);

@@ -97,6 +97,35 @@ const Caso kCasos[] = {
     {"tocadas de codigos sem musica",
      [](Est& e) { Limpa(e); BancoLogs(e.Caminho("lumavox.db")).Registrar({{7, kAgora, 0}, {777777, kAgora, 0}, {777777, kAgora, 5}}); },
      A, "lumavox.db", kSem, "2 registros do log que o motor lê são de 1 código que nenhum acervo da estação tem"},
+    // Each pitfall of the other checks once.
+    {"sem midia", [](Est& e) { SongsDe(e, kMusicas, "", false); e.Musica(999, {}, false).GravarAcervo(); RegrasDe(e); },
+     A, "lxdb.rdb", kFim, "sem o arquivo mre/0000999.mre"},
+    {"registro parcial", [](Est& e) { Limpa(e); e.GravarTexto("lxdb.rdb", e.Ler("lxdb.rdb") + Est::Linhas({"61", "Ana", "Álbum"})); },
+     A, "lxdb.rdb", kFim, "3 linhas no fim não completam uma música"},
+    {"valor de um caractere no acervo",
+     [](Est& e) { SongsDe(e, kMusicas, "", false); e.Musica(70, {{"Nota", "5"}}).GravarAcervo(); RegrasDe(e, "Nota:10;"); },
+     A, "lxdb.rdb", kFim, "1 música tem em Nota um valor de um só caractere (como \"5\""},
+    {"periodo escondido por outra linha",
+     [](Est& e) { Limpa(e); Limpa(e, "a"); e.GravarTexto("pl.rdb", "09:00:00 10:00:00 a\r\n08:00:00 12:00:00 a\r\n"); },
+     E, "pl.rdb", 1, "a linha 2 vem depois e cobre todo este período"},
+    {"marca que parece ativa",
+     [](Est& e) {
+       Limpa(e);
+       e.GravarTexto("lxie0.rdb", Est::Linhas({"A", "01", "", "", "Genero:Rock;", "", "", "", "", "", "", "", "", "",
+                                               "A ", "04", "", "", "10", "", "", "", "", "", "", "", "", ""}));
+     },
+     E, "lxie0.rdb", 15, "a marca de ativa \"A \" parece ativa"},
+    {"periodo que nunca vale",
+     [](Est& e) { SongsDe(e, kMusicas); e.Regra(0, true, "01", "", {"Genero:Rock;", "", "22:00", "02:00"}).GravarRegras(); },
+     A, "lxie0.rdb", 1, "hora inicial depois da final"},
+    {"data que ja passou",
+     [](Est& e) { SongsDe(e, kMusicas); e.Regra(0, true, "01", "", {"Genero:Rock;", "01/01/2000"}).GravarRegras(); },
+     A, "lxie0.rdb", 1, "a data já passou"},
+    {"tabela de agenda com linha ruim", [](Est& e) { Limpa(e); e.GravarTexto("lxtb0.rdb", Est::Linhas({"1", "x-y"})); },
+     E, "lxtb0.rdb", 2, "o motor para de ler a tabela aqui"},
+    {"pasta de playlist com poucas musicas",
+     [](Est& e) { Limpa(e); SongsDe(e, 10, "a"); RegrasDe(e, "Genero:Rock;", "a"); e.GravarTexto("pl.rdb", "08:00:00 12:00:00 a\r\n"); },
+     E, "a/lxdb.rdb", kSem, "só 10 músicas"},
 };
 
 class UmaConstatacao : public ::testing::TestWithParam<Caso> {};

@@ -111,6 +111,21 @@ TEST_F(MotorCarga, PlaylistUnicaRecarregaNaSextaVerificacaoEAposFalhaACadaUma) {
 // A reload of files that have not changed since the last load leaves the collection as it is,
 // so nothing derived from it is rebuilt; any change to the collection file or to the set of
 // media files is read again, even one that keeps the size and the write time.
+// A change of playlist reloads at once and starts the countdown to the next reload again.
+TEST_F(MotorCarga, TrocaDePlaylistRecarregaNaHoraEReiniciaAContagem) {
+  estacao.Musica(10).GravarAcervo("manha");
+  estacao.Musica(20).Musica(21).GravarAcervo("tarde");
+  estacao.GravarRegras("manha");
+  estacao.GravarRegras("tarde");
+  estacao.GravarTexto("pl.rdb", "08:00:00 11:59:59 manha\n12:00:00 18:00:00 tarde\n");
+  motor.Iniciar();
+  Verificar(13);
+  EXPECT_EQ(historicos, 2);
+  EXPECT_EQ(motor.E().acervo().TotalMusicas, 2);
+  for (int i = 1; i <= 6; ++i) Verificar(13);
+  EXPECT_EQ(historicos, 3);
+}
+
 TEST_F(MotorCarga, RecargaDeArquivosInalteradosNaoRefazOAcervo) {
   Envelhecer();
   DefinirAcervo();

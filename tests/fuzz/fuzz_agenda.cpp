@@ -16,7 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* dados, size_t tamanho) {
   const fs::path arquivo = ArquivoTabelaAgenda(pasta, lugar);
   fuzz::Gravar(arquivo, fuzz::ArquivoCodificado(dados, tamanho));
 
-  fuzz::SoErroExecucao([&] { CarregarTabelaAgenda(ArquivosReais(), *agenda, lugar, arquivo); });
+  fuzz::ErroDe([&] { CarregarTabelaAgenda(ArquivosReais(), *agenda, lugar, arquivo); });
   agenda->Limpar();
   if (fuzz::ErroDe([&] { CarregarTabelasAgenda(ArquivosReais(), *agenda, pasta); }))
     fuzz::Falha("CarregarTabelasAgenda levantou erro");

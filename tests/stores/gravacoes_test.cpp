@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <chrono>
 
 #include "apoio/estacao.h"
@@ -94,6 +95,27 @@ TEST_F(Gravacoes, PastaGuardaLeEPodaSemNuncaFalhar) {
   GuardaGravacoes bloqueada(ArquivosReais(), estacao.Caminho("bloqueio/lumavox"), "id");
   bloqueada.Guardar(insumos, gravacao);
   EXPECT_FALSE(bloqueada.Buscar(insumos));
+}
+
+// Where a user's or a service's records live: an empty LUMAVOX_CACHE turns them off, and a
+// relative XDG_CACHE_HOME is ignored rather than taken from the working folder.
+TEST(PastaGravacoes, VariaveisDoUsuarioEDoServico) {
+  const char* const nomes[] = {"LUMAVOX_CACHE", "CACHE_DIRECTORY", "XDG_CACHE_HOME", "HOME"};
+  auto Com = [&](std::array<const char*, 4> valores) {
+    for (size_t i = 0; i < 4; ++i) valores[i] ? setenv(nomes[i], valores[i], 1) : unsetenv(nomes[i]);
+    return PastaGravacoesDoUsuario();
+  };
+  const char* home = std::getenv("HOME");
+  const std::string homeAntes = home ? home : "";
+  const std::pair<std::array<const char*, 4>, std::optional<fs::path>> casos[] = {
+      {{"/c", "/s", "/x", "/h"}, "/c"},
+      {{"", "/s", "/x", "/h"}, std::nullopt},
+      {{nullptr, "/s:/t", "/x", "/h"}, "/s"},
+      {{nullptr, nullptr, "/x", "/h"}, "/x/lumavox"},
+      {{nullptr, nullptr, "relativo", "/h"}, "/h/.cache/lumavox"},
+      {{nullptr, nullptr, nullptr, nullptr}, std::nullopt}};
+  for (size_t i = 0; i < std::size(casos); ++i) EXPECT_EQ(Com(casos[i].first), casos[i].second) << i;
+  Com({nullptr, nullptr, nullptr, home ? homeAntes.c_str() : nullptr});
 }
 
 }  // namespace
