@@ -83,6 +83,15 @@ TEST(Simular, NivelDaEstacaoComoOMotorOLeEErrosDeArgumentoEmUmaLinha) {
     EXPECT_EQ(estacao.Ler("ritmo.rer"), std::string(texto) + "\r\n");
   }
 
+  // The same seed gives the same day, skips included.
+  auto Dia = [&] {
+    auto d = nlohmann::json::parse(RodarCli({"simular", "--dir", dir, "--horas", "3", "--seed", "5",
+                                             "--avancar", "30", "--json"}).saida);
+    d.erase("segundos_de_execucao");
+    return d;
+  };
+  EXPECT_EQ(Dia(), Dia());
+
   estacao.GravarTexto("ruim.txt", "06:00 20\n7h 30\n");
   const std::pair<std::vector<std::string>, int> casos[] = {
       {{"--curva", ruim}, -1},
